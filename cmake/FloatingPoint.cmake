@@ -1,0 +1,21 @@
+# The floating-point contract, in one place.
+#
+# Every result is a fixed sequence of IEEE 754 double operations, each rounded on its own: the same bits at
+# every optimisation level, with either compiler, on every processor.  That rules out
+#   - contraction of a * b + c into one fused operation (-ffp-contract=off),
+#   - everything that -ffast-math and its parts allow,
+#   - the x87 registers, which round to other precisions (SSE2 on x86).
+
+function(tarn_floating_point target)
+  target_compile_options(${target} PRIVATE -ffp-contract=off)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$" OR (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64"
+                                                           AND CMAKE_SIZEOF_VOID_P EQUAL 4))
+    target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+  endif()
+endfunction()
+
+string(TOUPPER "${CMAKE_BUILD_TYPE}" _build_type)
+set(_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${_build_type}}")
+if(_flags MATCHES "-(ffast-math|Ofast|funsafe-math-optimizations|fassociative-math|freciprocal-math|ffinite-math-only|fno-signed-zeros|ffp-contract=(fast|on)|mfpmath=387|ffp-model=(fast|aggressive))")
+  message(FATAL_ERROR "TARNtnla promises the same bits everywhere and cannot be built with -${CMAKE_MATCH_1}.")
+endif()

@@ -1,0 +1,3 @@
+#include "tnassert.h"
+
+TnAssertionHandler kit_assertion_handler = nullptr;
