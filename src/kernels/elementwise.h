@@ -1,0 +1,18 @@
+#pragma once
+
+#include "index.h"
+
+// Loops whose elements are independent of each other.
+//
+// Each runs as if element by element in ascending order: an output may be one of the inputs, or overlap
+// it.
+namespace tnla_kernels {
+
+void add(Index n, const double* x, const double* y, double* out);       // out[i] = x[i] + y[i]
+void subtract(Index n, const double* x, const double* y, double* out);  // out[i] = x[i] - y[i]
+void scale(Index n, const double* x, double s, double* out);            // out[i] = x[i] * s
+void divide(Index n, const double* x, double s, double* out);           // out[i] = x[i] / s
+void combine(Index n, const double* x, double a, const double* y, double b, double* out);
+// out[i] = (a * x[i]) + (b * y[i])
+
+}  // namespace tnla_kernels

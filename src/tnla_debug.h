@@ -1,0 +1,9 @@
+#pragma once
+
+// How debug output is laid out: columns of digits + 10, as many as fit into a line of 80.
+struct TnLaDebugLayout {
+  int width;
+  int per_line;  // meaningless where the width is 0
+};
+
+TnLaDebugLayout tnla_debug_layout(int digits, int indent);

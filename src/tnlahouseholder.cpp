@@ -1,0 +1,72 @@
+#include "kernels/reflect.h"
+#include "tnla_access.h"
+#include "tnlahouseholder_i.h"
+
+using tnla_kernels::Index;
+
+namespace {
+
+constexpr char kFile[] = "src/tnlahouseholder.cpp";
+
+bool valid_range(int j_pivot, int j_zero, int n) { return 0 <= j_pivot && j_pivot < j_zero && j_zero <= n; }
+
+}  // namespace
+
+void tnla_h1(int j_pivot, int j_zero, int n, double* v, int incr, double& up) {
+  TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
+  if (j_zero == n) return;
+  tnla_kernels::make_reflection(v[Index{j_pivot} * incr], Index{n} - j_zero, v + Index{j_zero} * incr, incr,
+                                up);
+}
+
+void tnla_h2(int j_pivot, int j_zero, int n, const double* u, int incr_u, const double& up, double* c,
+             int incr_c, int stride_vec, int n_vec) {
+  TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
+  if (n_vec < 1 || j_zero == n) return;
+  const double pivot_entry = up;
+  const double product = u[Index{j_pivot} * incr_u] * pivot_entry;
+  if (tnla_kernels::kNoReflection > -product) return;  // this way round, so that a NaN goes on
+  tnla_kernels::reflect(pivot_entry, u + Index{j_zero} * incr_u, incr_u, Index{n} - j_zero, 1.0 / product,
+                        c + Index{j_pivot} * incr_c, c + Index{j_zero} * incr_c, incr_c, stride_vec, n_vec);
+}
+
+TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int incr)
+    : j_pivot_(j_pivot), j_zero_(j_zero), scale_(0.0) {
+  u_.set_size(static_cast<std::size_t>(n), false);
+  TN_ASSERT("interfaces/tnarray_i.h", j_pivot >= 0 && j_pivot < n);
+  const bool inside = j_pivot >= 0 && j_pivot < n && j_zero >= 0;
+  if (!inside) {
+    TN_ASSERT(kFile, inside);
+    return;
+  }
+  double* const u = u_.data();
+  double& pivot = v[Index{j_pivot} * incr];
+  tnla_h1(j_pivot, j_zero, n, v, incr, u[j_pivot]);
+  scale_ = tnla_kernels::reflection_scale(pivot, u[j_pivot]);
+  for (Index i = j_zero; i < n; ++i) {
+    u[i] = v[i * incr];
+    v[i * incr] = 0.0;
+  }
+}
+
+TnLaHouseholder::TnLaHouseholder(const TnLaHouseholder& other) = default;
+
+TnLaHouseholder& TnLaHouseholder::operator=(const TnLaHouseholder& other) = default;
+
+TnLaHouseholder::~TnLaHouseholder() = default;
+
+void TnLaHouseholder::apply(double* w, int incr) const { TnLaAccess::reflect(*this, w, incr, 0, 1); }
+
+void TnLaHouseholder::debug(TnJournal& journal, int indent) const {
+  const TnString outer = tn_blankstring(indent);
+  const TnString inner = tn_blankstring(indent + Tn_DebugIndentStep());
+  journal << outer << "Housholder transformation begin {\n\n";  // spelt so since its first release
+  for (std::size_t i = 0; i < u_.size(); ++i) {
+    journal << inner << u_[i];
+    if (static_cast<Index>(i) == j_pivot_) journal << " ... j_pivot_";
+    if (static_cast<Index>(i) == j_zero_) journal << " ... j_zero_";
+    journal << tnEndExpr;
+  }
+  journal << tnEndExpr << inner << "-2./<u_, u_> = " << scale_ << tnEndExpr;
+  journal << "\n" << outer << "TnLaHouseholder end   }\n";
+}
