@@ -1,0 +1,21 @@
+#pragma once
+
+// The whole public interface of TARNtnla.
+
+#include "tnarray_i.h"
+#include "tnarraydebug.h"
+#include "tnassert.h"
+#include "tnerr.h"
+#include "tnjournal.h"
+#include "tnla_i.h"
+#include "tnla_linearsolve_i.h"
+#include "tnla_matrix_vector_i.h"
+#include "tnla_util_i.h"
+#include "tnlaerr_i.h"
+#include "tnlahouseholder_i.h"
+#include "tnlaqrdecompo_i.h"
+#include "tnlatsmallmat_i.h"
+#include "tnlatsmallvec_i.h"
+#include "tnoperationbehaviour.h"
+#include "tnresult.h"
+#include "tnstring.h"

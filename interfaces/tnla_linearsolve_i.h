@@ -1,0 +1,62 @@
+#pragma once
+
+#include "tnla_export.h"
+#include "tnla_matrix_vector_i.h"
+
+// Linear systems A X = B in the least-squares sense, and inverses.
+//
+// A is m x n, B is m x p, X becomes n x p: one solution for each column of B.  M is TnLaDblMat or
+// TnLaTSmallMat<N, N, double>, N = 1 to 12.  X may be A; X must not be B.
+//
+//  (1) What counts as zero or singular is absolute, never relative to the size of A.  A system whose
+//      columns are, or become while they are eliminated, shorter than about 1e-10 is outside the usable
+//      range: the answer may be true and X wrong.  Scale such a system first; a power of two does it
+//      without a rounding error.
+//  (2) A false result or a rank below n is an answer, not an error.
+//  (3) std::bad_alloc leaves A and B as they were and X as it was or resized, and loses no memory.
+
+// M*, but not deduced from, so that nullptr can be passed as it stands.
+template <class M>
+struct TnLaOptional {
+  using Pointer = M*;
+};
+
+// The rank-revealing solve: X = the least-squares solution of minimal length.
+//
+// Columns are interchanged, and the rank is the number of diagonal entries of R before the first one of
+// magnitude below `tol`.  Where given, *rank receives it and *null_space an orthonormal basis of the null
+// space of A in its columns, n x (n - rank), or 0 x 0; pass an empty matrix there.
+//
+// Asserted, in one check: A and B have the same number of rows, tol > 0, neither is empty.  Otherwise X
+// becomes 0 x 0 and *rank -1; *null_space is left alone.
+//
+// A small matrix keeps its shape: its `resize` asserts where another one is asked for, and *null_space
+// receives the basis in its first columns; pass a zero matrix there.
+//
+// Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI), with an absolute
+// tolerance.
+template <class M>
+TNLA_API void tnla_linearsolve(const M& A, const M& B, M& X, double tol, int* rank = nullptr,
+                               typename TnLaOptional<M>::Pointer null_space = nullptr);
+
+// The default solve: true if the system has full rank.
+//
+// m >= n: by TnLaTQRDecompo<M>.  If the verdict is false, X is only resized to n x p, keeping what
+// overlaps.  *null_space, where given, becomes 0 x 0 in any case.
+//
+// m < n: by the rank-revealing solve with the tolerance 1e-13.  X is the solution of minimal length also
+// where the result is false.
+template <class M>
+TNLA_API bool tnla_linearsolve(const M& A, const M& B, M& X,
+                               typename TnLaOptional<M>::Pointer null_space = nullptr);
+
+// The same, without a template.
+TNLA_API bool tnla_linearsolve(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& X,
+                               TnLaDblMat* null_space = nullptr);
+
+// Ainv = the n x m pseudo-inverse of A, by the rank-revealing solve of A Ainv = I.  An empty A is
+// asserted and gives a 0 x 0 matrix; *rank is then left alone.
+TNLA_API void tnla_inverse(const TnLaDblMat& A, TnLaDblMat& Ainv, double tol, int* rank = nullptr);
+
+// The default solve of A Ainv = I; true if A has full rank.
+TNLA_API bool tnla_inverse(const TnLaDblMat& A, TnLaDblMat& Ainv);

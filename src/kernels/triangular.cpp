@@ -1,0 +1,16 @@
+#include "triangular.h"
+
+namespace tnla_kernels {
+
+void back_substitute(Index n, const double* r, Index ldr, double* x, Index ldx, Index n_rhs) {
+  for (Index c = 0; c < n_rhs; ++c) {
+    double* const column = x + c * ldx;
+    for (Index i = n - 1; i >= 0; --i) {
+      double sum = 0.0;
+      for (Index l = i + 1; l < n; ++l) sum += r[l * ldr + i] * column[l];
+      column[i] = (column[i] - sum) / r[i * ldr + i];
+    }
+  }
+}
+
+}  // namespace tnla_kernels

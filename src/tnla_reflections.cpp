@@ -1,0 +1,18 @@
+#include "tnla_reflections.h"
+
+#include "tnla_access.h"
+
+void tnla_reflect_and_keep(TnArray<TnLaHouseholder*>& list, int j_pivot, int j_zero, int n, double* v,
+                           int incr, double* w, tnla_kernels::Index stride, std::size_t n_vec) {
+  const std::size_t last = list.size();
+  list.set_size(last + 1, true);  // first: a reflection without a place would leak
+  list[last] = new TnLaHouseholder(j_pivot, j_zero, n, v, incr);
+  TnLaAccess::reflect(*list[last], w, incr, stride, n_vec);
+}
+
+void tnla_delete_reflections(TnArray<TnLaHouseholder*>& list) {
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    delete list[i];
+    list[i] = nullptr;
+  }
+}
