@@ -1,0 +1,24 @@
+# What an install holds: the two modules, the headers in include/tarntnla, a CMake package and two
+# pkg-config files.  All of it can be moved to another prefix.
+
+include(CMakePackageConfigHelpers)
+
+set(_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TARNtnla)
+
+install(TARGETS tn tnla EXPORT TARNtnlaTargets)
+install(FILES ${TN_HEADERS} ${TNLA_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarntnla)
+install(EXPORT TARNtnlaTargets NAMESPACE TARN:: DESTINATION ${_cmake_dir})
+
+configure_package_config_file(cmake/TARNtnlaConfig.cmake.in TARNtnlaConfig.cmake
+  INSTALL_DESTINATION ${_cmake_dir})
+write_basic_package_version_file(TARNtnlaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/TARNtnlaConfig.cmake ${PROJECT_BINARY_DIR}/TARNtnlaConfigVersion.cmake
+  DESTINATION ${_cmake_dir})
+
+# The prefix in a .pc file is relative to the file, unless the folders were given as absolute paths.
+file(RELATIVE_PATH _pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" _pc_to_prefix "${_pc_to_prefix}")
+foreach(_module tn tnla)
+  configure_file(cmake/tarn${_module}.pc.in tarn${_module}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/tarn${_module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
