@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// A regression problem with a certified solution, in the text format of examples/data/nist:
+//
+//     # comment
+//     key value ...                 observations, parameters, design, certified, residual_sd, ...
+//     data y x ...                  the names of the columns, then one row per observation, y first
+
+// One column of the model: a predictor to a power; degree 0 is the column of ones.
+struct Term {
+  std::size_t predictor;
+  int degree;
+};
+
+struct Coefficient {
+  std::string name;
+  double certified;
+};
+
+struct DataSet {
+  std::string name;
+  std::vector<Term> terms;
+  std::vector<Coefficient> coefficients;  // one for each term
+  double residual_sd = 0.0;               // certified
+  std::vector<double> response;           // y, one per observation
+  std::vector<std::vector<double>> predictors;
+
+  std::size_t n_observations() const { return response.size(); }
+};
+
+// What is wrong with a file, as "FILE: text" or "FILE:LINE: text".
+struct DataError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// Throws DataError unless the file is whole and says what it should.
+DataSet read_data_set(const std::string& path);
