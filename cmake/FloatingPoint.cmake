@@ -7,7 +7,9 @@
 #   - the x87 registers, which round to other precisions (SSE2 on x86).
 
 function(tarn_floating_point target)
-  target_compile_options(${target} PRIVATE -ffp-contract=off)
+  # The negations come last on the command line, after whatever a parent project adds to all its targets.
+  target_compile_options(${target} PRIVATE -ffp-contract=off -fno-unsafe-math-optimizations
+    -fno-associative-math -fno-reciprocal-math -fno-finite-math-only -fsigned-zeros)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$" OR (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64"
                                                            AND CMAKE_SIZEOF_VOID_P EQUAL 4))
     target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)

@@ -15,9 +15,21 @@ write_basic_package_version_file(TARNtnlaConfigVersion.cmake COMPATIBILITY SameM
 install(FILES ${PROJECT_BINARY_DIR}/TARNtnlaConfig.cmake ${PROJECT_BINARY_DIR}/TARNtnlaConfigVersion.cmake
   DESTINATION ${_cmake_dir})
 
-# The prefix in a .pc file is relative to the file, unless the folders were given as absolute paths.
-file(RELATIVE_PATH _pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-string(REGEX REPLACE "/$" "" _pc_to_prefix "${_pc_to_prefix}")
+# A .pc file finds the folders relative to itself, so that the prefix can be moved; folders that were given
+# as absolute paths stay where they are.
+if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+  set(_pc_prefix ${CMAKE_INSTALL_PREFIX})
+else()
+  file(RELATIVE_PATH _pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" _pc_prefix "${_pc_prefix}")
+  string(PREPEND _pc_prefix "\${pcfiledir}/")
+endif()
+foreach(_dir LIBDIR INCLUDEDIR)
+  set(_pc_${_dir} ${CMAKE_INSTALL_${_dir}})
+  if(NOT IS_ABSOLUTE ${_pc_${_dir}})
+    string(PREPEND _pc_${_dir} "\${prefix}/")
+  endif()
+endforeach()
 foreach(_module tn tnla)
   configure_file(cmake/tarn${_module}.pc.in tarn${_module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/tarn${_module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -5,7 +5,7 @@
 // The assertion hook: where violated preconditions are reported.
 //
 // A precondition is checked only while a handler is installed.  A check that fails calls the handler
-// once, with the repository path of the file that holds the check and a line number in it; when the
+// once, with the repository path of the file to which the check belongs and a line number; when the
 // handler returns, execution goes on as if the check had passed, or with the fallback that the
 // operation documents.  No precondition changes a result by being checked.
 //
@@ -19,11 +19,7 @@ using TnAssertionHandler = void (*)(const char* file, int line);
 TN_API extern TnAssertionHandler kit_assertion_handler;
 
 inline TnAssertionHandler tn_load_assertion_handler() noexcept {
-#if defined(__GNUC__)
   return __atomic_load_n(&kit_assertion_handler, __ATOMIC_RELAXED);
-#else
-  return *const_cast<const volatile TnAssertionHandler*>(&kit_assertion_handler);
-#endif
 }
 
 // Checks one precondition.  `file` is the path to report, relative to the repository's root; it is

@@ -8,7 +8,8 @@ class TnString;
 // that the number belongs to, and the function that turns the number into a text.
 //
 // A result owns none of what it points to.  It is valid while the module that filed the condition is
-// loaded.  Nothing here allocates or throws.
+// loaded.  Nothing here allocates, and only
+// error_text, which calls the package's function, can throw.
 class TN_API TnResult {
  public:
   enum class CodeID : int { none, information, warning, error };

@@ -2,7 +2,7 @@
 
 #include "tnexport.h"
 
-// An immutable text that owns its characters.
+// A text that owns its characters.
 //
 // Copies are deep.  Construction and copying allocate; a failed allocation is std::bad_alloc and leaves
 // the target as it was.

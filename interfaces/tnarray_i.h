@@ -12,8 +12,8 @@
 //
 //  (1) size <= capacity, and every slot in [size, capacity) holds zero bits: growing within the capacity
 //      reveals zeros, never stale values.
-//  (2) Shrinking keeps the block.  Growing takes the next power of two below 64000 elements, and from
-//      there on the next step of 4096 elements beyond the present capacity.
+//  (2) Shrinking keeps the block.  Growing doubles the capacity, from 1, until it suffices; for 64000
+//      elements and more it goes up in steps of 4096.
 //  (3) The array owns its block, from ::operator new to ::operator delete; copies are deep.
 //  (4) When memory is exhausted, or a size overflows, std::bad_alloc is thrown and the array is as it
 //      was.
@@ -69,9 +69,14 @@ class TnArray {
   const T* data() const noexcept { return data_; }
 
  private:
+  // Growth doubles below kLarge elements; the steps from there on bound the waste of large arrays.
+  static constexpr std::size_t kLarge = 64000;
+  static constexpr std::size_t kStep = 4096;
+
+  std::size_t grown_capacity(std::size_t n) const;
   void release() noexcept;
 
-  A allocator_;
+  A allocator_{};
   T* data_ = nullptr;
   std::size_t capacity_ = 0;
   std::size_t size_ = 0;

@@ -7,22 +7,6 @@
 
 #include "tnarray_i.h"
 
-// Growth doubles below this many elements, and goes in steps of kTnArrayStep from there on, which
-// bounds the waste of large arrays.
-inline constexpr std::size_t kTnArrayLarge = 64000;
-inline constexpr std::size_t kTnArrayStep = 4096;
-
-// The capacity to take when n elements do not fit into `capacity` any more: capacity < n <= result.
-inline std::size_t tn_grown_capacity(std::size_t capacity, std::size_t n) {
-  if (n >= kTnArrayLarge) {
-    if (n > std::numeric_limits<std::size_t>::max() - kTnArrayStep) throw std::bad_alloc();
-    return capacity + kTnArrayStep + (n - capacity - 1) / kTnArrayStep * kTnArrayStep;
-  }
-  std::size_t grown = capacity == 0 ? 1 : capacity;
-  while (grown < n) grown *= 2;
-  return grown;
-}
-
 template <class T>
 T* TnAllocator<T>::allocate(std::size_t n) const {
   if (n > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_alloc();
@@ -40,7 +24,7 @@ TnArray<T, A>& TnArray<T, A>::operator=(const TnArray& other) {
 template <class T, class A>
 void TnArray<T, A>::set_size(std::size_t n, bool keep) {
   if (n > capacity_) {
-    set_capacity(tn_grown_capacity(capacity_, n), keep);
+    set_capacity(grown_capacity(n), keep);
   } else if (n < size_) {
     std::memset(data_ + n, 0, (size_ - n) * sizeof(T));
   }
@@ -60,10 +44,24 @@ void TnArray<T, A>::set_capacity(std::size_t n, bool keep) {
   capacity_ = n;
 }
 
+// The capacity for n elements, n > capacity_.
+template <class T, class A>
+std::size_t TnArray<T, A>::grown_capacity(std::size_t n) const {
+  if (n >= kLarge) {
+    if (n > std::numeric_limits<std::size_t>::max() - kStep) throw std::bad_alloc();
+    return capacity_ + kStep + (n - capacity_ - 1) / kStep * kStep;
+  }
+  std::size_t grown = capacity_ == 0 ? 1 : capacity_;
+  while (grown < n) grown *= 2;
+  return grown;
+}
+
+// The stores are volatile because a compiler may drop what is written to an object at the end of its life;
+// whoever uses a dead array by mistake shall find it empty.
 template <class T, class A>
 void TnArray<T, A>::release() noexcept {
   allocator_.release(data_);
-  data_ = nullptr;
-  capacity_ = 0;
-  size_ = 0;
+  *const_cast<T* volatile*>(&data_) = nullptr;
+  *const_cast<volatile std::size_t*>(&capacity_) = 0;
+  *const_cast<volatile std::size_t*>(&size_) = 0;
 }

@@ -13,11 +13,12 @@
 //      range: the answer may be true and X wrong.  Scale such a system first; a power of two does it
 //      without a rounding error.
 //  (2) A false result or a rank below n is an answer, not an error.
-//  (3) std::bad_alloc leaves A and B as they were and X as it was or resized, and loses no memory.
+//  (3) std::bad_alloc loses no memory.  X is then as it was, resized or solved (A with it, if X is A), and
+//      *rank and *null_space may have been written.
 
 // M*, but not deduced from, so that nullptr can be passed as it stands.
 template <class M>
-struct TnLaOptional {
+struct TnLaTOptional {
   using Pointer = M*;
 };
 
@@ -37,18 +38,18 @@ struct TnLaOptional {
 // tolerance.
 template <class M>
 TNLA_API void tnla_linearsolve(const M& A, const M& B, M& X, double tol, int* rank = nullptr,
-                               typename TnLaOptional<M>::Pointer null_space = nullptr);
+                               typename TnLaTOptional<M>::Pointer null_space = nullptr);
 
 // The default solve: true if the system has full rank.
 //
 // m >= n: by TnLaTQRDecompo<M>.  If the verdict is false, X is only resized to n x p, keeping what
 // overlaps.  *null_space, where given, becomes 0 x 0 in any case.
 //
-// m < n: by the rank-revealing solve with the tolerance 1e-13.  X is the solution of minimal length also
-// where the result is false.
+// m < n: by the rank-revealing solve with the tolerance 1e-13, and true if the rank is m.  X is the
+// solution of minimal length also where the result is false, unless an assertion of that solve has failed.
 template <class M>
 TNLA_API bool tnla_linearsolve(const M& A, const M& B, M& X,
-                               typename TnLaOptional<M>::Pointer null_space = nullptr);
+                               typename TnLaTOptional<M>::Pointer null_space = nullptr);
 
 // The same, without a template.
 TNLA_API bool tnla_linearsolve(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& X,

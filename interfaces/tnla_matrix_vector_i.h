@@ -22,11 +22,11 @@
 //
 //  (1) Both types are values: copies are deep, and every object owns its elements.
 //  (2) A matrix is empty when n_rows * n_cols is 0; it keeps its shape all the same (0 x 5).
-//  (3) A failed precondition is one call of the assertion hook, naming src/tnla_matrix_vector.cpp, and
-//      then the fallback given with the operation, also while no handler is installed.  Most
-//      preconditions are about shapes: "asserted" below means these.
-//  (4) Every sum has one accumulator, starts from +0.0 and takes its terms in ascending order.  Products
-//      are rounded before they are added.  NaN, infinity and overflow propagate.
+//  (3) A failed precondition ("asserted" below) is one call of the assertion hook, naming
+//      src/tnla_matrix_vector.cpp unless said otherwise, and then the fallback given with the operation,
+//      also while no handler is installed.
+//  (4) Every sum of products has one accumulator, starts from +0.0 and takes its terms in ascending order.
+//      Products are rounded before they are added.  NaN, infinity and overflow propagate.
 //  (5) When memory is exhausted, or a size overflows, std::bad_alloc is thrown.  The object then has its
 //      old value or a valid shape with other elements; nothing is leaked.
 //  (6) Distinct objects may be used on distinct threads.
@@ -152,15 +152,17 @@ class TNLA_API TnLaDblMat {
   // full-rank test of TnLaTQRDecompo, which diag(1e11, 1) does; the element itself if it is 1 x 1.
   double det() const;
   // Replaces the matrix by its inverse, or by its pseudo-inverse of tolerance 1e-20 where tnla_inverse
-  // says false.  That is not reported.
+  // says false.  That is not reported.  An empty matrix that is not 0 x 0 asserts as tnla_linearsolve and
+  // tnla_inverse do, and gets an empty shape.
   void invert();
   // A copy, inverted.
   TnLaDblMat inv() const;
 
   // --- Output -----------------------------------------------------------------------------------------
 
-  // Prints the matrix by tn_arraydebug in columns of digits + 10; `flag` names the rows.  Asserted:
-  // digits != -10; otherwise nothing is written.
+  // Prints the matrix by tn_arraydebug in columns of digits + 10; `flag` names the rows.  An empty matrix
+  // is one line that gives its shape.  Asserted where it is not empty: digits != -10; otherwise nothing is
+  // written.
   void debug(TnJournal& journal, int digits, bool flag, int indent) const;
 
  private:
@@ -182,7 +184,7 @@ class TNLA_API TnLaDblVec {
   // Dimension 0; does not allocate.
   TnLaDblVec();
   TnLaDblVec(const TnLaDblVec& other);
-  explicit TnLaDblVec(const TnArray<double>& a);
+  TnLaDblVec(const TnArray<double>& a);
   // n zeros, with `value` at k if there is such an element: a scaled unit vector.  Asserted: n >= 0;
   // otherwise dimension 0.
   TnLaDblVec(int n, int k, double value);
@@ -254,8 +256,8 @@ class TNLA_API TnLaDblVec {
 
   // --- Output -----------------------------------------------------------------------------------------
 
-  // Prints the vector by tn_arraydebug in columns of digits + 10.  Asserted: digits != -10; otherwise
-  // nothing is written.
+  // Prints the vector by tn_arraydebug in columns of digits + 10.  An empty vector is one line that says
+  // so.  Asserted where it is not empty: digits != -10; otherwise nothing is written.
   void debug(TnJournal& journal, int digits, int indent) const;
 
  private:

@@ -30,6 +30,7 @@ class TNLA_API TnLaErr {
   static ErrorNumber error_number(const TnResult& result);
 
  protected:
-  // The text of a number that error_number would accept; the text of -1 for any other.
+  // The text of a number that error_number would accept; any other is asserted as there, and gives the
+  // text of -1.
   static const char* translate_error_number(const TnString* const& package, int number);
 };

@@ -14,14 +14,15 @@
 //
 //     full_rank():  min |R(i,i)| >= 1e-20  and  max |R(i,i)| / min |R(i,i)| <= 1e10
 //
-//  (1) The verdict looks at the diagonal of R alone, and its constants are absolute.  It sees the scale
-//      of the columns, not their collinearity: a harmless system whose columns differ by more than 1e10
-//      in length is refused, while a nearly dependent one of even scale passes.
+//  (1) The verdict looks at the diagonal of R alone: at the part of each column that is orthogonal to the
+//      columns before it.  A harmless system whose columns differ by more than 1e10 in length is refused.
+//      Dependence shows only where such a part falls 1e10 below the largest; the condition of a system
+//      may be far worse than the spread of that diagonal.
 //  (2) A column that shrinks below about 7e-11 while it is eliminated is zeroed, but its reflection is
 //      not applied to the others (see tnlahouseholder_i.h): full_rank() may be true and X wrong.  Scale
 //      the system so that its columns have a length near 1.
-//  (3) The minimum of the test starts at 1e20, so a matrix with all diagonal entries above about 1e30
-//      fails it.  A NaN on the diagonal passes; X then holds NaN.
+//  (3) The minimum of the test counts as 1e20 at most: an R with an entry above 1e30 and none below 1e20 on
+//      its diagonal is refused, whatever the spread.  A NaN on the diagonal passes; X then holds NaN.
 //
 // The object owns a copy of A and its reflections.  Factoring costs about 2 n^2 (m - n/3) flops, solving
 // about 4 m n flops a right-hand side.  std::bad_alloc leaves nothing behind.
@@ -48,8 +49,8 @@ class TNLA_API TnLaTQRDecompo {
   // X = the n x p least-squares solution of A X = B, for the p columns of B.
   //
   // False, and X only resized to n x p (keeping what overlaps), if m < n or full_rank() is false.  B must
-  // not be X.  Asserted: B has m rows.  Otherwise rows beyond m are not looked at, and missing ones make
-  // the result false.
+  // not be X.  Asserted: B has m rows.  Otherwise rows beyond m are not looked at, and columns that are
+  // too short make the result false.
   bool solve(const M& B, M& X) const;
 
  private:

@@ -31,7 +31,8 @@ class TNLA_API TnLaTSmallMat {
 
   TnLaTSmallMat() : elements_{} {}
   TnLaTSmallMat(const TnLaTSmallMat& other) = default;
-  // value * I.  Asserted, in one check: rows == N and cols == rows.
+  // value * I (for -0.0 the zero matrix, as in the dense type).  Asserted, in one check: rows == N and cols
+  // == rows.
   TnLaTSmallMat(std::size_t rows, std::size_t cols, double value);
 
   TnLaTSmallMat& operator=(const TnLaTSmallMat& other) = default;

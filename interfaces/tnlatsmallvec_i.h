@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 #include "tnarray_i.h"
 #include "tnjournal.h"
@@ -27,7 +29,7 @@ class TNLA_API TnLaTSmallVec {
   // The first min(n, N) values; elements beyond are not written.  Asserted: n == N.
   TnLaTSmallVec(const double* values, int n);
   // The same from an array.  Asserted: a.size() == N.
-  explicit TnLaTSmallVec(const TnArray<double>& a);
+  TnLaTSmallVec(const TnArray<double>& a);
 
   TnLaTSmallVec& operator=(const TnLaTSmallVec& other) = default;
 
@@ -76,7 +78,9 @@ class TNLA_API TnLaTSmallVec {
   // A unit vector orthogonal to this one, by tnla_ortho_vec; the zero vector for N = 1.
   TnLaTSmallVec ort() const;
 
-  void swap(TnLaTSmallVec& other) { std::swap_ranges(elements_, elements_ + N, other.elements_); }
+  void swap(TnLaTSmallVec& other) {
+    for (int i = 0; i < N; ++i) std::swap(elements_[i], other.elements_[i]);
+  }
   // For the sake of the dense interface; changes nothing.  Asserted: n == N.
   void resize(int n, bool keep);
 
@@ -85,7 +89,7 @@ class TNLA_API TnLaTSmallVec {
   void debug(TnJournal& journal, int digits, int indent) const;
 
  private:
-  double elements_[N];
+  double elements_[static_cast<std::size_t>(N)];
 
   friend struct TnLaLayout;
 };

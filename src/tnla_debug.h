@@ -6,4 +6,7 @@ struct TnLaDebugLayout {
   int per_line;  // meaningless where the width is 0
 };
 
+// The argument that the matrix printer reserves.
+inline constexpr int kPrinterReserved = 1;
+
 TnLaDebugLayout tnla_debug_layout(int digits, int indent);

@@ -17,7 +17,7 @@ TnLaDblMat identity(std::size_t n) { return {n, n, 1.0}; }
 
 template <class M>
 void tnla_linearsolve(const M& A, const M& B, M& X, double tol, int* rank,
-                      typename TnLaOptional<M>::Pointer null_space) {
+                      typename TnLaTOptional<M>::Pointer null_space) {
   const bool valid = A.n_rows() == B.n_rows() && !(0.0 >= tol) && !A.empty() && !B.empty();
   TN_ASSERT(kFile, valid);
   if (!valid) {
@@ -32,7 +32,7 @@ void tnla_linearsolve(const M& A, const M& B, M& X, double tol, int* rank,
 }
 
 template <class M>
-bool tnla_linearsolve(const M& A, const M& B, M& X, typename TnLaOptional<M>::Pointer null_space) {
+bool tnla_linearsolve(const M& A, const M& B, M& X, typename TnLaTOptional<M>::Pointer null_space) {
   if (A.n_rows() < A.n_cols()) {
     const std::size_t m = A.n_rows();  // X may be A
     int rank = kNoRank;
@@ -47,8 +47,8 @@ bool tnla_linearsolve(const M& A, const M& B, M& X, typename TnLaOptional<M>::Po
 
 #define TNLA_INSTANTIATE(M)                                               \
   template void tnla_linearsolve<M>(const M&, const M&, M&, double, int*, \
-                                    typename TnLaOptional<M>::Pointer);   \
-  template bool tnla_linearsolve<M>(const M&, const M&, M&, typename TnLaOptional<M>::Pointer);
+                                    typename TnLaTOptional<M>::Pointer);  \
+  template bool tnla_linearsolve<M>(const M&, const M&, M&, typename TnLaTOptional<M>::Pointer);
 TNLA_FOR_ALL_MATRICES(TNLA_INSTANTIATE)
 #undef TNLA_INSTANTIATE
 

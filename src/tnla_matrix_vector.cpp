@@ -57,8 +57,10 @@ bool same_filled_shape(const TnLaDblMat& A, const TnLaDblMat& B) {
   return is_filled(A) && is_filled(B) && A.n_rows() == B.n_rows() && A.n_cols() == B.n_cols();
 }
 
+bool is_filled(const TnLaDblVec& x) { return x.dim() >= 1; }
+
 bool same_filled_dim(const TnLaDblVec& x, const TnLaDblVec& y) {
-  return x.dim() >= 1 && x.dim() == y.dim();
+  return is_filled(x) && x.array().size() == y.array().size();
 }
 
 bool can_multiply(const TnLaDblMat& A, const TnLaDblMat& B) {
@@ -71,6 +73,12 @@ bool can_multiply(const TnLaDblMat& A, const TnLaDblVec& x) {
 
 using ElementwiseKernel = void (*)(Index n, const double* x, const double* y, double* out);
 
+TnLaDblVec zeros(std::size_t n) {
+  TnLaDblVec result;
+  TnLaAccess::array(result).set_size(n, false);
+  return result;
+}
+
 TnLaDblMat combined(const TnLaDblMat& A, const TnLaDblMat& B, ElementwiseKernel kernel) {
   TnLaDblMat result(A.n_rows(), A.n_cols(), 0.0);
   kernel(length(A.array()), A.array().data(), B.array().data(), TnLaAccess::elements(result));
@@ -78,7 +86,7 @@ TnLaDblMat combined(const TnLaDblMat& A, const TnLaDblMat& B, ElementwiseKernel 
 }
 
 TnLaDblVec combined(const TnLaDblVec& x, const TnLaDblVec& y, ElementwiseKernel kernel) {
-  TnLaDblVec result(x.dim(), -1, 0.0);
+  TnLaDblVec result = zeros(x.array().size());
   kernel(length(x.array()), x.array().data(), y.array().data(), TnLaAccess::elements(result));
   return result;
 }
@@ -313,9 +321,8 @@ void TnLaDblMat::set_diagonal(double value, int offset) {
 TnLaDblVec TnLaDblMat::row_vec(std::size_t i) const {
   const bool exists = i < n_rows_ && n_cols_ != 0;
   TN_ASSERT(kFile, exists);
-  TnLaDblVec row;
-  if (!exists) return row;
-  TnLaAccess::array(row).set_size(n_cols_, false);
+  if (!exists) return {};
+  TnLaDblVec row = zeros(n_cols_);
   double* const to = TnLaAccess::elements(row);
   for (std::size_t j = 0; j < n_cols_; ++j) to[j] = data()[j * n_rows_ + i];
   return row;
@@ -324,9 +331,8 @@ TnLaDblVec TnLaDblMat::row_vec(std::size_t i) const {
 TnLaDblVec TnLaDblMat::col_vec(std::size_t j) const {
   const bool exists = j < n_cols_ && n_rows_ != 0;
   TN_ASSERT(kFile, exists);
-  TnLaDblVec column;
-  if (!exists) return column;
-  TnLaAccess::array(column).set_size(n_rows_, false);
+  if (!exists) return {};
+  TnLaDblVec column = zeros(n_rows_);
   copy_values(data() + j * n_rows_, n_rows_, TnLaAccess::elements(column));
   return column;
 }
@@ -346,8 +352,9 @@ TnLaDblMat TnLaDblMat::operator-(const TnLaDblMat& B) const {
 }
 
 TnLaDblMat TnLaDblMat::operator*(double s) const {
-  TN_ASSERT(kFile, is_filled(*this));
-  if (!is_filled(*this)) return {0, 1, 0.0};
+  const bool filled = is_filled(*this);
+  TN_ASSERT(kFile, filled);
+  if (!filled) return {0, 1, 0.0};
   TnLaDblMat result(n_rows_, n_cols_, 0.0);
   tnla_kernels::scale(length(array_), data(), s, result.data());
   return result;
@@ -358,9 +365,10 @@ TnLaDblMat operator*(double s, const TnLaDblMat& A) { return A * s; }
 TnLaDblMat TnLaDblMat::operator-() const { return *this * -1.0; }
 
 TnLaDblMat TnLaDblMat::operator*(const TnLaDblMat& B) const {
-  TN_ASSERT(kFile, can_multiply(*this, B));
+  const bool fit = can_multiply(*this, B);
+  TN_ASSERT(kFile, fit);
   TnLaDblMat result;
-  if (can_multiply(*this, B)) tnla_mat_mat_prod(*this, B, result);
+  if (fit) tnla_mat_mat_prod(*this, B, result);
   return result;
 }
 
@@ -383,14 +391,17 @@ void TnLaDblMat::operator-=(const TnLaDblMat& B) {
 }
 
 void TnLaDblMat::operator*=(const double& s) {
-  TN_ASSERT(kFile, is_filled(*this));
+  const bool filled = is_filled(*this);
+  TN_ASSERT(kFile, filled);
+  if (!filled) return;
   const double factor = s;  // s may be an element that is about to change
   tnla_kernels::scale(length(array_), data(), factor, data());
 }
 
 void TnLaDblMat::operator*=(const TnLaDblMat& B) {
-  TN_ASSERT(kFile, can_multiply(*this, B));
-  if (!can_multiply(*this, B)) return;
+  const bool fit = can_multiply(*this, B);
+  TN_ASSERT(kFile, fit);
+  if (!fit) return;
   TnLaDblMat result;
   tnla_mat_mat_prod(*this, B, result);
   *this = result;
@@ -413,8 +424,8 @@ void TnLaDblMat::debug(TnJournal& journal, int digits, bool flag, int indent) co
   const TnLaDebugLayout layout = tnla_debug_layout(digits, indent);
   TN_ASSERT(kFile, layout.width != 0);
   if (layout.width == 0) return;
-  tn_arraydebug(journal, flag, 1, static_cast<int>(n_rows_), array_, layout.per_line, layout.width, digits,
-                indent);
+  tn_arraydebug(journal, flag, kPrinterReserved, static_cast<int>(n_rows_), array_, layout.per_line,
+                layout.width, digits, indent);
 }
 
 // --- Vector: construction and elements ------------------------------------------------------------------
@@ -479,8 +490,10 @@ TnLaDblVec TnLaDblVec::operator-(const TnLaDblVec& y) const {
 }
 
 TnLaDblVec TnLaDblVec::operator*(const double& s) const {
-  TN_ASSERT(kFile, dim() >= 1);
-  TnLaDblVec result(dim(), -1, 0.0);
+  const bool filled = is_filled(*this);
+  TN_ASSERT(kFile, filled);
+  if (!filled) return {};
+  TnLaDblVec result = zeros(array_.size());
   tnla_kernels::scale(length(array_), data(), s, result.data());
   return result;
 }
@@ -504,14 +517,17 @@ void TnLaDblVec::operator-=(const TnLaDblVec& y) {
 }
 
 void TnLaDblVec::operator*=(const double& s) {
-  TN_ASSERT(kFile, dim() >= 1);
+  const bool filled = is_filled(*this);
+  TN_ASSERT(kFile, filled);
+  if (!filled) return;
   const double factor = s;  // s may be an element that is about to change
   tnla_kernels::scale(length(array_), data(), factor, data());
 }
 
 void TnLaDblVec::operator*=(const TnLaDblMat& A) {
-  TN_ASSERT(kFile, can_multiply(A, *this));
-  if (!can_multiply(A, *this)) return;
+  const bool fit = can_multiply(A, *this);
+  TN_ASSERT(kFile, fit);
+  if (!fit) return;
   TnLaDblVec result;
   tnla_mat_vec_prod(A, *this, result);
   *this = result;
@@ -537,8 +553,10 @@ TnLaDblVec TnLaDblVec::dir() const {
 }
 
 TnLaDblVec TnLaDblVec::ort() const {
-  TN_ASSERT(kFile, dim() >= 1);
-  TnLaDblVec result(dim(), -1, 0.0);
+  const bool filled = is_filled(*this);
+  TN_ASSERT(kFile, filled);
+  if (!filled) return {};
+  TnLaDblVec result = zeros(array_.size());
   tnla_ortho_vec(dim(), data(), result.data());
   return result;
 }
@@ -559,8 +577,9 @@ void TnLaDblVec::debug(TnJournal& journal, int digits, int indent) const {
 // --- Free functions -------------------------------------------------------------------------------------
 
 void tnla_mat_mat_prod(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& C) {
-  TN_ASSERT(kFile, can_multiply(A, B));
-  if (!can_multiply(A, B)) {
+  const bool fit = can_multiply(A, B);
+  TN_ASSERT(kFile, fit);
+  if (!fit) {
     C = TnLaDblMat(0, 1, 0.0);
     return;
   }
@@ -583,8 +602,9 @@ void tnla_mat_mat_prod(std::size_t m, std::size_t k, std::size_t n, const double
 }
 
 void tnla_mat_vec_prod(const TnLaDblMat& A, const TnLaDblVec& x, TnLaDblVec& y) {
-  TN_ASSERT(kFile, can_multiply(A, x));
-  if (!can_multiply(A, x)) {
+  const bool fit = can_multiply(A, x);
+  TN_ASSERT(kFile, fit);
+  if (!fit) {
     y = TnLaDblVec();
     return;
   }
@@ -607,7 +627,7 @@ void tnla_lincomb(const TnLaDblVec& x, double a, const TnLaDblVec& y, double b, 
     z = TnLaDblVec();
     return;
   }
-  if (z.dim() != x.dim()) z.resize(x.dim(), false);
+  TnLaAccess::array(z).set_size(x.array().size(), false);
   tnla_kernels::combine(length(x.array()), x.array().data(), a, y.array().data(), b,
                         TnLaAccess::elements(z));
 }

@@ -53,5 +53,6 @@ TnLaErr::ErrorNumber TnLaErr::error_number(const TnResult& result) {
 const char* TnLaErr::translate_error_number(const TnString* const& package, int number) {
   const ErrorNumber checked = checked_number(package, number);
   if (checked < la_error_base) return TnErr::translate_error_number(package, checked);
+  // One of the table's numbers: every other one has been asserted and become -1.
   return kTexts[checked - la_error_base];
 }

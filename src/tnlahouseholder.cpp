@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "kernels/reflect.h"
 #include "tnla_access.h"
 #include "tnlahouseholder_i.h"
@@ -9,6 +11,12 @@ namespace {
 constexpr char kFile[] = "src/tnlahouseholder.cpp";
 
 bool valid_range(int j_pivot, int j_zero, int n) { return 0 <= j_pivot && j_pivot < j_zero && j_zero <= n; }
+
+// One step further in, without overflow.
+int indented(int indent) {
+  const int step = Tn_DebugIndentStep();
+  return indent > std::numeric_limits<int>::max() - step ? indent : indent + step;
+}
 
 }  // namespace
 
@@ -33,10 +41,10 @@ void tnla_h2(int j_pivot, int j_zero, int n, const double* u, int incr_u, const 
 TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int incr)
     : j_pivot_(j_pivot), j_zero_(j_zero), scale_(0.0) {
   u_.set_size(static_cast<std::size_t>(n), false);
-  TN_ASSERT("interfaces/tnarray_i.h", j_pivot >= 0 && j_pivot < n);
-  const bool inside = j_pivot >= 0 && j_pivot < n && j_zero >= 0;
-  if (!inside) {
-    TN_ASSERT(kFile, inside);
+  const bool has_pivot = j_pivot >= 0 && j_pivot < n;
+  TN_ASSERT("interfaces/tnarray_i.h", has_pivot);
+  if (!has_pivot || j_zero < 0) {  // beyond u: checked as in tnla_h1, then the identity
+    TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
     return;
   }
   double* const u = u_.data();
@@ -51,7 +59,13 @@ TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int 
 
 TnLaHouseholder::TnLaHouseholder(const TnLaHouseholder& other) = default;
 
-TnLaHouseholder& TnLaHouseholder::operator=(const TnLaHouseholder& other) = default;
+TnLaHouseholder& TnLaHouseholder::operator=(const TnLaHouseholder& other) {
+  u_ = other.u_;  // first: it may throw, and the indices have to fit it
+  j_pivot_ = other.j_pivot_;
+  j_zero_ = other.j_zero_;
+  scale_ = other.scale_;
+  return *this;
+}
 
 TnLaHouseholder::~TnLaHouseholder() = default;
 
@@ -59,7 +73,7 @@ void TnLaHouseholder::apply(double* w, int incr) const { TnLaAccess::reflect(*th
 
 void TnLaHouseholder::debug(TnJournal& journal, int indent) const {
   const TnString outer = tn_blankstring(indent);
-  const TnString inner = tn_blankstring(indent + Tn_DebugIndentStep());
+  const TnString inner = tn_blankstring(indented(indent));
   journal << outer << "Housholder transformation begin {\n\n";  // spelt so since its first release
   for (std::size_t i = 0; i < u_.size(); ++i) {
     journal << inner << u_[i];

@@ -86,7 +86,8 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
   const std::size_t n = R_->n_cols();
   TN_ASSERT(kFile, B.n_rows() == m);
   X.resize(n, B.n_cols(), true);
-  if (m < n || !full_rank_ || B.n_rows() < m) return false;
+  const bool too_short = B.n_rows() < m && B.n_cols() > 0;
+  if (m < n || !full_rank_ || too_short) return false;
 
   M W(B);  // becomes Q' B
   double* const w = TnLaAccess::elements(W);

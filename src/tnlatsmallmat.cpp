@@ -14,7 +14,7 @@ template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T>::TnLaTSmallMat(std::size_t rows, std::size_t cols, double value)
     : elements_{} {
   TN_ASSERT(kFile, rows == Rows && cols == rows);
-  set_diagonal(value, 0);
+  if (value != 0.0) set_diagonal(value, 0);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
@@ -137,8 +137,8 @@ void TnLaTSmallMat<Rows, Cols, T>::debug(TnJournal& journal, int digits, bool fl
   const TnLaDebugLayout layout = tnla_debug_layout(digits, indent);
   TN_ASSERT(kFile, layout.width != 0);
   if (layout.width == 0) return;
-  tn_arraydebug(journal, flag, 1, static_cast<int>(Rows), array(), layout.per_line, layout.width, digits,
-                indent);
+  tn_arraydebug(journal, flag, kPrinterReserved, static_cast<int>(Rows), array(), layout.per_line,
+                layout.width, digits, indent);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
