@@ -17,7 +17,11 @@ template <class T, class A>
 TnArray<T, A>& TnArray<T, A>::operator=(const TnArray& other) {
   if (this == &other) return *this;
   set_size(other.size_, false);
-  if (size_ > 0) std::memcpy(data_, other.data_, size_ * sizeof(T));
+  if (size_ == other.size_) {
+    if (size_ > 0) std::memcpy(data_, other.data_, size_ * sizeof(T));
+  } else {  // a derived class took another size: every access is an element access like any other
+    for (std::size_t i = 0; i < other.size_; ++i) (*this)[i] = other[i];
+  }
   return *this;
 }
 

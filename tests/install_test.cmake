@@ -1,0 +1,26 @@
+# As a new user would: installs BUILD into an empty prefix, moves the prefix, builds the clients and the
+# examples against it, and runs them.
+
+set(moved ${SCRATCH}/moved)
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\n${output}")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${SCRATCH})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${SCRATCH}/prefix)
+file(RENAME ${SCRATCH}/prefix ${moved})
+
+file(GLOB_RECURSE pc_files ${moved}/*/tarntnla.pc)
+get_filename_component(pc_folder "${pc_files}" DIRECTORY)
+set(ENV{PKG_CONFIG_PATH} ${pc_folder})
+
+foreach(client tests/client examples)
+  run(${CMAKE_COMMAND} -S ${SOURCE}/${client} -B ${SCRATCH}/${client} -G Ninja
+      -DCMAKE_PREFIX_PATH=${moved} -DCMAKE_CXX_COMPILER=${CXX})
+  run(${CMAKE_COMMAND} --build ${SCRATCH}/${client})
+  run(${CMAKE_CTEST_COMMAND} --test-dir ${SCRATCH}/${client} --output-on-failure --no-tests=error)
+endforeach()

@@ -1,0 +1,108 @@
+#include "support/allocation.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
+
+// No machine has more.  Refused here, as a sanitizer's malloc ends the program over it.
+constexpr std::size_t kTooLarge = kNever / 4;
+
+std::atomic<std::size_t> n_made{0};
+std::atomic<std::size_t> n_alive{0};
+std::atomic<std::size_t> n_to_go{kNever};
+std::atomic<bool> fails_for_good{false};
+std::atomic<bool> failed{false};
+
+bool must_fail() {
+  if (n_to_go == kNever) return false;
+  if (n_to_go > 0) {
+    --n_to_go;
+    return false;
+  }
+  failed = true;
+  if (!fails_for_good) n_to_go = kNever;
+  return true;
+}
+
+// A block, or null.  Alignments beyond malloc's own take whole multiples of themselves.
+void* block_of(std::size_t size, std::size_t alignment) noexcept {
+  if (size > kTooLarge || must_fail()) return nullptr;
+  const std::size_t used = size == 0 ? 1 : size;
+  void* const block = alignment <= alignof(std::max_align_t)
+                          ? std::malloc(used)
+                          : std::aligned_alloc(alignment, (used + alignment - 1) / alignment * alignment);
+  if (block == nullptr) return nullptr;
+  ++n_made;
+  ++n_alive;
+  return block;
+}
+
+void* block_or_throw(std::size_t size, std::size_t alignment) {
+  void* const block = block_of(size, alignment);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+void release(void* block) noexcept {
+  if (block == nullptr) return;
+  --n_alive;
+  std::free(block);
+}
+
+constexpr std::size_t kUsual = alignof(std::max_align_t);
+
+std::size_t value(std::align_val_t alignment) { return static_cast<std::size_t>(alignment); }
+
+}  // namespace
+
+// Every form, as a sanitizer's runtime has its own of each, which would not be counted.
+
+void* operator new(std::size_t n) { return block_or_throw(n, kUsual); }
+void* operator new[](std::size_t n) { return block_or_throw(n, kUsual); }
+void* operator new(std::size_t n, std::align_val_t a) { return block_or_throw(n, value(a)); }
+void* operator new[](std::size_t n, std::align_val_t a) { return block_or_throw(n, value(a)); }
+void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return block_of(n, kUsual); }
+void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return block_of(n, kUsual); }
+void* operator new(std::size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
+  return block_of(n, value(a));
+}
+void* operator new[](std::size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
+  return block_of(n, value(a));
+}
+
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
+void operator delete(void* block, std::align_val_t) noexcept { release(block); }
+void operator delete[](void* block, std::align_val_t) noexcept { release(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t, std::align_val_t) noexcept { release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
+void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept { release(block); }
+void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept { release(block); }
+
+namespace allocation {
+
+Failing::Failing(std::size_t index, bool for_good) {
+  failed = false;
+  fails_for_good = for_good;
+  n_to_go = index;
+}
+
+Failing::~Failing() { n_to_go = kNever; }
+
+bool Failing::has_failed() const { return failed; }
+
+std::size_t made() { return n_made; }
+
+std::size_t alive() { return n_alive; }
+
+}  // namespace allocation
