@@ -250,7 +250,7 @@ TEST(MisfitVectors, LinearCombinationIsEmpty) {
     tnla_lincomb(x, 1.0, y, 1.0, z);
     expect_is(z, {});
   });
-  for_vectors_of_no_common_dimension([](TnLaDblVec x, TnLaDblVec y) {
+  for_vectors_of_no_common_dimension([](TnLaDblVec x, const TnLaDblVec& y) {
     tnla_lincomb(x, 1.0, y, 1.0, x);
     expect_is(x, {});
   });

@@ -156,10 +156,11 @@ TEST(DebugLayout, HoldsForEveryDimensionAndEveryNumberOfDigits) {
   Random random(24);
   for (int digits = -30; digits <= 30; ++digits) {
     if (digits == -10) continue;  // has no layout
-    for (const int indent : {0, 3, 78 - 11 * (digits + 10), 79 - 11 * (digits + 10)})
-      if (indent < 300)
-        expect_layout_for_every_dimension(random, digits, digits % 2 == 0, indent,
-                                          std::make_integer_sequence<int, 12>());
+    for (const int indent : {0, 3, 78 - 11 * (digits + 10), 79 - 11 * (digits + 10)}) {
+      if (indent >= 300) continue;
+      expect_layout_for_every_dimension(random, digits, digits % 2 == 0, indent,
+                                        std::make_integer_sequence<int, 12>());
+    }
   }
 }
 

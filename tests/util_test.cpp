@@ -316,7 +316,7 @@ TEST(Lincomb, AgreesWithThePlainLoopForAllFlags) {
     Vector storage = random_vector(random, n);
     const Vector y = random_vector(random, n);
     storage.insert(storage.end(), y.begin(), y.end());
-    storage.resize(static_cast<std::size_t>(3 * n), kNaN);  // what res held does not matter
+    storage.resize(3 * static_cast<std::size_t>(n), kNaN);  // what res held does not matter
     const double a = random.any();
     const double b = random.uniform();
     for (int flags = 0; flags < 8; ++flags) expect_combined(n, storage, 0, a, n, b, 2 * n, flags);
@@ -325,7 +325,7 @@ TEST(Lincomb, AgreesWithThePlainLoopForAllFlags) {
 
 TEST(Lincomb, ResultMayBeAnInput) {
   for_random_sizes([](int n, Random& random) {
-    const Vector storage = random.vector(static_cast<std::size_t>(2 * n));
+    const Vector storage = random.vector(2 * static_cast<std::size_t>(n));
     const double a = random.uniform();
     for (int flags = 0; flags < 8; ++flags) {
       expect_combined(n, storage, 0, a, n, -0.75, 0, flags);
@@ -341,7 +341,7 @@ TEST(Lincomb, OverlappingArraysAreWorkedOnElementByElementFromTheFront) {
   for (const int n : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, 40}) {
     Random random(static_cast<std::uint64_t>(n));
     SCOPED_TRACE("n = " + std::to_string(n));
-    const Vector storage = random.vector(static_cast<std::size_t>(3 * n + 2 * kRoom));
+    const Vector storage = random.vector(3 * static_cast<std::size_t>(n) + 2 * kRoom);
     for (int shift = -kRoom; shift <= kRoom; ++shift) {
       const int x = kRoom;
       const int apart = 2 * n + 2 * kRoom;

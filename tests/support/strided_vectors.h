@@ -33,7 +33,7 @@ enum class Entries { uniform, any };
 // A vector of n entries, `incr` apart; a negative increment runs backwards.
 inline Block strided(Random& random, int n, int incr, Gaps gaps, Entries entries) {
   const int extent = std::abs(incr) * n + 4;
-  const std::size_t size = static_cast<std::size_t>(2 * extent + 1);
+  const std::size_t size = 2 * static_cast<std::size_t>(extent) + 1;
   Block block{gaps == Gaps::nan ? std::vector<double>(size, kNaN) : random.vector(size), extent};
   for (int i = 0; i < n; ++i) {
     block.start()[i * incr] = entries == Entries::any ? random.any() : random.uniform();
@@ -54,7 +54,7 @@ inline std::vector<Layout> layouts(int n, int n_vec) {
 
 inline Block vectors(Random& random, int n, int n_vec, Layout layout, Entries entries) {
   const int extent = std::abs(layout.incr) * n + std::abs(layout.stride) * n_vec;
-  const std::size_t size = static_cast<std::size_t>(2 * extent + 1);
+  const std::size_t size = 2 * static_cast<std::size_t>(extent) + 1;
   return {entries == Entries::any ? random.any_vector(size) : random.vector(size), extent};
 }
 
