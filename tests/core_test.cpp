@@ -21,6 +21,7 @@
 #include "reference/debug_text.h"
 #include "support/assertions.h"
 #include "support/values.h"
+#include "support/virtual_table.h"
 #include "tnarray_i.h"
 #include "tnarraydebug.h"
 #include "tnassert.h"
@@ -543,16 +544,7 @@ TEST(OperationBehaviour, ReservedOperationsDoNothing) {
   EXPECT_EQ(sizeof(behaviour), sizeof(void*));
 }
 
-#if defined(__GNUC__) && defined(__x86_64__)
-// A pointer to a virtual member begins with its offset in the table, plus one.  The destructor takes the
-// first two places.
-template <class Member>
-std::size_t table_place(Member member) {
-  std::size_t offset_plus_one = 0;
-  std::memcpy(&offset_plus_one, &member, sizeof(offset_plus_one));
-  return (offset_plus_one - 1) / sizeof(void*);
-}
-
+#if defined(HAS_TABLE_PLACE)
 TEST(OperationBehaviour, LevelIsTheFourthVirtualOperation) {
   EXPECT_EQ(table_place(&TnOperationBehaviour::reserved_1), 2u);
   EXPECT_EQ(table_place(&TnOperationBehaviour::reserved_2), 3u);

@@ -12,6 +12,7 @@
 
 #include "support/allocation.h"
 #include "support/assertions.h"
+#include "support/virtual_table.h"
 #include "tnarray_i.h"
 
 class TnLaHouseholder;
@@ -102,16 +103,7 @@ TYPED_TEST(TnArrayOf, HasFiveFields) {
   EXPECT_EQ(fields[4], 3u);
 }
 
-#if defined(__GNUC__) && defined(__x86_64__)
-// A pointer to a virtual member begins with its offset in the table, plus one.  The destructor takes the
-// first two places.
-template <class Member>
-std::size_t table_place(Member member) {
-  std::size_t offset_plus_one = 0;
-  std::memcpy(&offset_plus_one, &member, sizeof(offset_plus_one));
-  return (offset_plus_one - 1) / sizeof(void*);
-}
-
+#if defined(HAS_TABLE_PLACE)
 TYPED_TEST(TnArrayOf, SizeComesBeforeCapacityInTheVirtualTable) {
   EXPECT_TRUE(std::has_virtual_destructor_v<TypeParam>);
   EXPECT_EQ(table_place(&TypeParam::set_size), 2u);
