@@ -583,9 +583,11 @@ void tnla_mat_mat_prod(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& C) 
     C = TnLaDblMat(0, 1, 0.0);
     return;
   }
-  C.resize(A.n_rows(), B.n_cols(), false);
-  tnla_mat_mat_prod(A.n_rows(), A.n_cols(), B.n_cols(), A.array().data(), B.array().data(),
-                    TnLaAccess::elements(C));
+  const std::size_t m = A.n_rows();  // all three before C changes: a C that is an operand gives nonsense,
+  const std::size_t k = A.n_cols();  // but no foreign memory is read
+  const std::size_t n = B.n_cols();
+  C.resize(m, n, false);
+  tnla_mat_mat_prod(m, k, n, A.array().data(), B.array().data(), TnLaAccess::elements(C));
 }
 
 void tnla_mat_mat_prod(std::size_t m, std::size_t k, std::size_t n, const double* A, const double* B,

@@ -445,4 +445,22 @@ TEST(MisfitProduct, HandlerMayThrowAndNothingHasChanged) {
   expect_is(y, {1});
 }
 
+// Not allowed, and the elements are nonsense; the address sanitizer sees whether that is all.
+TEST(MisusedProduct, WithAnOperandAsItsResultStillHasItsShapeAndStaysInItsMemory) {
+  for (std::size_t m = 1; m <= 9; m += 2) {
+    for (std::size_t k = 1; k <= 9; k += 2) {
+      for (std::size_t n = 1; n <= 9; n += 2) {
+        TnLaDblMat A = ones(m, k), B = ones(k, n), left = A, right = B;
+        tnla_mat_mat_prod(left, B, left);
+        tnla_mat_mat_prod(A, right, right);
+        for (const TnLaDblMat* result : {&left, &right}) {
+          EXPECT_EQ(result->n_rows(), m);
+          EXPECT_EQ(result->n_cols(), n);
+          EXPECT_EQ(result->array().size(), m * n);
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
