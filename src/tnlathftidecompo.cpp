@@ -132,12 +132,12 @@ void TnLaTHFTIDecompo<M>::solve(const M& B, M& X) const {
   const std::size_t n = A_->n_cols();
   const std::size_t p = B.n_cols();
   TN_ASSERT(kFile, B.n_rows() == m);
+  M W(B);  // becomes Q' B; copied before X changes, so that an X that is B reads no foreign memory
   X.resize(n, p, false);
   double* const x = TnLaAccess::elements(X);
   std::fill_n(x, n * p, 0.0);  // a small matrix is not cleared by resize
   if (rank_ == 0) return;
 
-  M W(B);
   double* const w = TnLaAccess::elements(W);
   for (std::size_t i = 0; i < left_.size(); ++i) {
     TnLaAccess::reflect(*left_[i], w, 1, static_cast<Index>(m), p);

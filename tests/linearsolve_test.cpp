@@ -283,6 +283,23 @@ TEST(ToleranceSolve, OptionalResultsMayBeLeftOut) {
   EXPECT_EQ(plain(X).a, identity(2).a);
 }
 
+// Not allowed; the address sanitizer sees that it touches nothing but its own memory.
+TEST(MisusedSolve, WithItsRightSideAsResultStaysInItsMemory) {
+  Random random(77);
+  for (std::size_t m = 1; m <= 7; ++m) {
+    for (std::size_t n = 1; n <= 7; ++n) {
+      const TnLaDblMat A(random.vector(m * n).data(), m, n);
+      TnLaDblMat by_tolerance(m, 2, 1.0);
+      TnLaDblMat by_default = by_tolerance;
+      tnla_linearsolve(A, by_tolerance, by_tolerance, 1e-13);
+      tnla_linearsolve(A, by_default, by_default);
+      EXPECT_EQ(by_tolerance.n_rows(), A.n_cols());
+      EXPECT_EQ(by_default.n_rows(), A.n_cols());
+      EXPECT_EQ(by_tolerance.array().size(), A.n_cols() * 2);
+    }
+  }
+}
+
 // --- Small types ----------------------------------------------------------------------------------------
 
 template <std::size_t N>
