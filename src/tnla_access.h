@@ -29,6 +29,3 @@ struct TnLaAccess {
                           w + h.j_zero_ * incr, incr, stride, static_cast<tnla_kernels::Index>(n_vec));
   }
 };
-
-// rows * cols; std::bad_alloc if that overflows.
-std::size_t tnla_element_count(std::size_t rows, std::size_t cols);

@@ -32,19 +32,25 @@ std::size_t grown(std::size_t a, int b) {
   return a + count;
 }
 
-// The first n elements of `a` into `to`, which may be the same place.  Each one that `a` does not hold is
-// an index out of range of its own and becomes 0.0.
-void copy_front(const TnArray<double>& a, std::size_t n, double* to) {
-  const std::size_t held = std::min(n, a.size());
-  if (held > 0) std::memmove(to, a.data(), held * sizeof(double));
-  for (std::size_t i = held; i < n; ++i) {
-    TN_ASSERT("interfaces/tnarray_i.h", i < a.size());
-    to[i] = 0.0;
-  }
+// rows * cols; std::bad_alloc if that overflows.
+std::size_t element_count(std::size_t rows, std::size_t cols) {
+  if (cols != 0 && rows > std::numeric_limits<std::size_t>::max() / cols) throw std::bad_alloc();
+  return rows * cols;
 }
 
 void copy_values(const double* from, std::size_t n, double* to) {
   if (n > 0) std::memmove(to, from, n * sizeof(double));
+}
+
+// The first n elements of `a` into `to`, which may be the same place.  Each one that `a` does not hold is
+// an index out of range of its own and becomes 0.0.
+void copy_front(const TnArray<double>& a, std::size_t n, double* to) {
+  const std::size_t held = std::min(n, a.size());
+  copy_values(a.data(), held, to);
+  for (std::size_t i = held; i < n; ++i) {
+    TN_ASSERT("interfaces/tnarray_i.h", i < a.size());
+    to[i] = 0.0;
+  }
 }
 
 double mx_norm_of(const TnArray<double>& a) {
@@ -93,11 +99,6 @@ TnLaDblVec combined(const TnLaDblVec& x, const TnLaDblVec& y, ElementwiseKernel 
 
 }  // namespace
 
-std::size_t tnla_element_count(std::size_t rows, std::size_t cols) {
-  if (cols != 0 && rows > std::numeric_limits<std::size_t>::max() / cols) throw std::bad_alloc();
-  return rows * cols;
-}
-
 // --- Matrix: construction and elements ------------------------------------------------------------------
 
 TnLaDblMat::TnLaDblMat() = default;
@@ -105,12 +106,12 @@ TnLaDblMat::TnLaDblMat() = default;
 TnLaDblMat::TnLaDblMat(const TnLaDblMat& other) = default;
 
 TnLaDblMat::TnLaDblMat(std::size_t rows, std::size_t cols, double value) : n_rows_(rows), n_cols_(cols) {
-  array_.set_size(tnla_element_count(rows, cols), false);
+  array_.set_size(element_count(rows, cols), false);
   if (value != 0.0) set_diagonal(value, 0);
 }
 
 TnLaDblMat::TnLaDblMat(const double* p, std::size_t rows, std::size_t cols) : n_rows_(rows), n_cols_(cols) {
-  array_.set_size(tnla_element_count(rows, cols), false);
+  array_.set_size(element_count(rows, cols), false);
   initialize(p);
 }
 
@@ -143,7 +144,7 @@ void TnLaDblMat::initialize(const TnArray<double>& a) {
 // --- Matrix: structure ----------------------------------------------------------------------------------
 
 void TnLaDblMat::resize(std::size_t rows, std::size_t cols, bool keep) {
-  const std::size_t count = tnla_element_count(rows, cols);
+  const std::size_t count = element_count(rows, cols);
   if (rows == n_rows_) {  // the leading dimension stays, and so does every kept element's place
     array_.set_size(count, keep);
     n_cols_ = cols;
@@ -185,7 +186,7 @@ void TnLaDblMat::insert_cols(std::size_t pos, int count) {
   const std::size_t new_cols = grown(n_cols_, count);
   const std::size_t gap = static_cast<std::size_t>(count) * n_rows_;
   const std::size_t moved = array_.size() - pos * n_rows_;
-  array_.set_size(tnla_element_count(n_rows_, new_cols), true);
+  array_.set_size(element_count(n_rows_, new_cols), true);
   n_cols_ = new_cols;
   double* const from = data() + pos * n_rows_;
   copy_values(from, moved, from + gap);
