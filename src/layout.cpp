@@ -3,6 +3,7 @@
 
 #include "tnarray_i.h"
 #include "tnla_matrix_vector_i.h"
+#include "tnlacholesky_i.h"
 #include "tnlahouseholder_i.h"
 #include "tnlaqrdecompo_i.h"
 
@@ -40,6 +41,14 @@ struct TnLaLayout {
            sizeof(Qr) == 64;
   }
 
+  static constexpr bool cholesky_holds() {
+    using Solver = TnLaCholesky;
+    return offsetof(Solver, factor_ok_) == 8 && offsetof(Solver, n_) == 12 &&
+           offsetof(Solver, matrix_) == 16 && offsetof(Solver, rhs_) == 24 &&
+           offsetof(Solver, factor_) == 32 && offsetof(Solver, working_rhs_) == 40 &&
+           offsetof(Solver, diagonal_) == 48 && offsetof(Solver, solution_) == 56 && sizeof(Solver) == 96;
+  }
+
   template <int... N>
   static constexpr bool small_hold(std::integer_sequence<int, N...>) {
     return ((sizeof(TnLaTSmallVec<N + 1, double>) == (N + 1) * sizeof(double)) && ...) &&
@@ -55,4 +64,5 @@ static_assert(!k64Bit || TnLaLayout::dense_holds());
 static_assert(!k64Bit || TnLaLayout::householder_holds());
 static_assert(!k64Bit || TnLaLayout::qr_holds<TnLaDblMat>());
 static_assert(!k64Bit || TnLaLayout::qr_holds<TnLaTSmallMat<12, 12, double>>());
+static_assert(!k64Bit || TnLaLayout::cholesky_holds());
 static_assert(TnLaLayout::small_hold(std::make_integer_sequence<int, 12>()));
