@@ -7,6 +7,7 @@
 #include "tnassert.h"
 #include "tnerr.h"
 #include "tnjournal.h"
+#include "tnla_eigenvector_basis_i.h"
 #include "tnla_i.h"
 #include "tnla_linearsolve_i.h"
 #include "tnla_matrix_vector_i.h"

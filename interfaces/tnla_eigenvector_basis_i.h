@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tnarray_i.h"
+#include "tnla_export.h"
+#include "tnla_matrix_vector_i.h"
+
+// The eigenvalues and an orthonormal basis of eigenvectors of a symmetric matrix: a = V diag(d) V'.
+//
+// `a` is n x n.  The eigenvalues come in decreasing order, n of them; column k of `vectors`, n x n, is the
+// unit eigenvector of eigenvalues[k].  A column is what the rotations make of it: its sign is not
+// normalised.
+//
+//  (1) Only the diagonal and the strictly upper triangle of `a` are read.  The strictly upper triangle is
+//      overwritten, and zero at the end; the diagonal and the lower triangle stay.
+//  (2) Among equal eigenvalues the order in which the iteration left them stays.
+//  (3) False: 50 sweeps were not enough, as where `a` holds a NaN or an infinity.  Eigenvalues and vectors
+//      are then those of the last sweep, unsorted.  Convergence is tested before a sweep only, so what
+//      converges in the fiftieth is false too.
+//  (4) Asserted, as an element access: `a` has as many columns as rows, or more, which are not looked at.
+//      Otherwise false, with zero eigenvalues and the identity.
+//  (5) std::bad_alloc leaves `a` as it was.
+//
+// Three to ten sweeps are usual, of about 6 n^3 flops each.  Nothing is scaled and no threshold is
+// absolute.  `vectors` must not be `a`.
+//
+// Source: Rutishauser, The Jacobi Method for Real Symmetric Matrices, Numerische Mathematik 9 (1966):
+// cyclic rotations by rows, with a threshold in the first three sweeps.
+TNLA_API bool tnla_eigenvector_basis(TnLaDblMat& a, TnArray<double>& eigenvalues, TnLaDblMat& vectors);

@@ -1,0 +1,47 @@
+#include <utility>
+
+#include "kernels/jacobi.h"
+#include "tnla_access.h"
+#include "tnla_eigenvector_basis_i.h"
+
+namespace {
+
+// Selection, so that the first of several equal values stays the first.
+void sort_decreasing(std::size_t n, double* d, TnLaDblMat& V) {
+  for (std::size_t i = 0; i < n; ++i) {
+    std::size_t k = i;
+    for (std::size_t j = i + 1; j < n; ++j) {
+      if (d[j] > d[k]) k = j;
+    }
+    if (k == i) continue;
+    std::swap(d[i], d[k]);
+    V.swap_cols(i, k);
+  }
+}
+
+}  // namespace
+
+bool tnla_eigenvector_basis(TnLaDblMat& a, TnArray<double>& eigenvalues, TnLaDblMat& vectors) {
+  const std::size_t n = a.n_rows();
+  vectors.resize(n, n, false);
+  vectors.set_diagonal(1.0, 0);
+  eigenvalues.set_size(n, false);
+  const bool reaches_the_diagonal = n <= a.n_cols();
+  TN_ASSERT("interfaces/tnla_matrix_vector_i.h", reaches_the_diagonal);
+  if (!reaches_the_diagonal) {
+    for (std::size_t i = 0; i < n; ++i) eigenvalues[i] = 0.0;
+    return false;
+  }
+
+  TnArray<double> b;
+  b.set_size(n, false);
+  TnArray<double> z;
+  z.set_size(n, false);
+  const auto size = static_cast<tnla_kernels::Index>(n);
+  if (!tnla_kernels::jacobi(size, TnLaAccess::elements(a), size, eigenvalues.data(),
+                            TnLaAccess::elements(vectors), b.data(), z.data())) {
+    return false;
+  }
+  sort_decreasing(n, eigenvalues.data(), vectors);
+  return true;
+}
