@@ -11,6 +11,7 @@
 #include "tnla_i.h"
 #include "tnla_linearsolve_i.h"
 #include "tnla_matrix_vector_i.h"
+#include "tnla_util_adapt_jet_i.h"
 #include "tnla_util_i.h"
 #include "tnlacholesky_i.h"
 #include "tnlaerr_i.h"

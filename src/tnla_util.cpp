@@ -5,16 +5,25 @@
 
 #include "kernels/elementwise.h"
 #include "kernels/reductions.h"
+#include "tnla_access.h"
+#include "tnla_i.h"
+#include "tnla_util_adapt_jet_i.h"
 #include "tnla_util_i.h"
 #include "tnlahouseholder_i.h"
 
 namespace {
+
+constexpr char kFile[] = "src/tnla_util.cpp";
 
 // Sums of squares and scalar products of a smaller magnitude are returned as 0.0.
 constexpr double kZeroSum = 1e-40;
 
 // A squared distance below this fraction of the squared reference length is returned as 0.0.
 constexpr double kZeroDistance = 1e-24;
+
+// A curve does not move where the length of its first derivative, or for the second its square, is not
+// above this.
+constexpr double kNoSpeed = 1e-20;
 
 double flushed(double sum) { return sum < kZeroSum ? 0.0 : sum; }
 
@@ -59,6 +68,75 @@ void crossprod_by_reflections(int n, const double* u, const double* w, double* r
   res[2] = w_height * u_length;
   h2.apply(res, 1);
   h1.apply(res, 1);
+}
+
+// --- Jets ----------------------------------------------------------------------------------------------
+
+// The columns of a jet, each contiguous.
+struct Jet {
+  const double* elements;
+  std::size_t rows;
+  const double* operator[](std::size_t k) const { return elements + k * rows; }
+};
+
+// The first `needed` elements of an array.  Where it ends before that, a copy in which zeros go on.
+const double* zero_extended(const TnArray<double>& a, std::size_t needed, TnArray<double>& copy) {
+  if (needed <= a.size()) return a.data();
+  copy = a;
+  copy.set_size(needed, true);
+  return copy.data();
+}
+
+// The derivatives of a change of parameter.
+struct ParameterChange {
+  double lambda = 1.0;
+  double mu2 = 0.0;
+  double mu3 = 0.0;
+};
+
+// Whether x' is turned round: as the caller says, or else as the scalar product says.
+bool reverses(double product, int* orientation) {
+  if (orientation == nullptr) return product < 0.0;
+  if (*orientation == 0) *orientation = product < 0.0 ? -1 : 1;
+  return *orientation < 0;
+}
+
+// The first derivative gets the length of the reference's.  False if it has none itself.
+bool match_speed(int n, const Jet& jet, const Jet& ref, int* orientation, ParameterChange& phi) {
+  const double length = tnla_norm(n, jet[1], nullptr);
+  const double ref_length = tnla_norm(n, ref[1], nullptr);
+  if (length <= kNoSpeed) return false;
+  phi.lambda = ref_length / length;
+  if (reverses(tnla_scalprod(n, jet[1], ref[1]), orientation)) phi.lambda = -phi.lambda;
+  return true;
+}
+
+// The second and third derivatives get the components along x' of the reference's.  False if x' is too
+// short.
+bool match_components(int n, int order, const Jet& jet, const Jet& ref, ParameterChange& phi) {
+  const double q = tnla_sq_norm(n, jet[1], nullptr);
+  if (q <= kNoSpeed) return false;
+  TnLaDblVec missing(n, 0, 0.0);
+  double* const w = TnLaAccess::elements(missing);
+
+  const double square = phi.lambda * -1.0 * phi.lambda;
+  tnla_lincomb(n, ref[2], 1.0, jet[2], square, w);
+  phi.mu2 = tnla_scalprod(n, w, jet[1]) / q;
+  if (order < 3) return true;
+
+  const double cube = square * phi.lambda;
+  tnla_lincomb(n, ref[3], 1.0, jet[3], cube, w);
+  tnla_lincomb(n, w, 1.0, jet[2], phi.lambda * -3.0 * phi.mu2, w);
+  phi.mu3 = tnla_scalprod(n, w, jet[1]) / q;
+  return true;
+}
+
+// The column in the middle term of the third derivative.
+std::size_t middle_column(TnOperationBehaviour* behaviour) {
+  constexpr int kOperation = 0;
+  constexpr std::int16_t kVersion = 1;
+  if (behaviour == nullptr) return 2;
+  return behaviour->behaviour_level(TnLa::package_id(), kOperation, kVersion) < 1 ? 1 : 2;
 }
 
 }  // namespace
@@ -130,4 +208,39 @@ void tnla_ortho_vec(int n, const double* x, double* res) {
   tnla_kernels::scale(n, x, -x[k] / q, res);
   res[k] += 1.0;
   tnla_normalize(n, res);
+}
+
+void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat& jet, const TnLaDblMat& ref,
+                         bool linear_only, int* orientation) {
+  const auto exceeds_order = [order](std::size_t n) {
+    return order < 0 || n > static_cast<std::size_t>(order);
+  };
+  TN_ASSERT(kFile, jet.n_rows() == ref.n_rows());
+  TN_ASSERT(kFile, exceeds_order(jet.n_cols()));
+  TN_ASSERT(kFile, exceeds_order(ref.n_cols()));
+  order = std::min(order, 3);
+  if (!exceeds_order(jet.n_cols())) order = static_cast<int>(jet.n_cols()) - 1;
+  if (order < 1) return;
+
+  const int n = static_cast<int>(jet.n_rows());
+  double* const x = TnLaAccess::elements(jet);
+  const Jet c{x, jet.n_rows()};
+  TnArray<double> extended;
+  const std::size_t needed = static_cast<std::size_t>(order) * ref.n_rows() + jet.n_rows();
+  const Jet r{zero_extended(ref.array(), needed, extended), ref.n_rows()};
+  ParameterChange phi;
+  if (!match_speed(n, c, r, orientation, phi)) return;
+  if (!linear_only && order >= 2 && !match_components(n, order, c, r, phi)) return;
+
+  // The highest derivative first: each reads the lower ones as they were.
+  const double square = phi.lambda * phi.lambda;
+  double* const c1 = x + jet.n_rows();
+  double* const c2 = c1 + jet.n_rows();
+  double* const c3 = c2 + jet.n_rows();
+  if (order >= 3) {
+    tnla_lincomb(n, c3, square * phi.lambda, c[middle_column(behaviour)], phi.lambda * 3.0 * phi.mu2, c3);
+    tnla_lincomb(n, c3, 1.0, c1, phi.mu3, c3);
+  }
+  if (order >= 2) tnla_lincomb(n, c2, square, c1, phi.mu2, c2);
+  tnla_kernels::scale(n, c1, phi.lambda, c1);
 }
