@@ -13,6 +13,7 @@
 #include "tnla_matrix_vector_i.h"
 #include "tnla_util_adapt_jet_i.h"
 #include "tnla_util_i.h"
+#include "tnlablkbndsolver_i.h"
 #include "tnlacholesky_i.h"
 #include "tnlaerr_i.h"
 #include "tnlahouseholder_i.h"

@@ -3,6 +3,7 @@
 
 #include "tnarray_i.h"
 #include "tnla_matrix_vector_i.h"
+#include "tnlablkbndsolver_i.h"
 #include "tnlacholesky_i.h"
 #include "tnlahouseholder_i.h"
 #include "tnlaqrdecompo_i.h"
@@ -49,6 +50,13 @@ struct TnLaLayout {
            offsetof(Solver, diagonal_) == 48 && offsetof(Solver, solution_) == 56 && sizeof(Solver) == 96;
   }
 
+  static constexpr bool band_holds() {
+    using Solver = TnLaBlkBndSolver;
+    return offsetof(Solver, unknowns_) == 8 && offsetof(Solver, blocks_) == 12 &&
+           offsetof(Solver, bandwidth_) == 16 && offsetof(Solver, rhs_count_) == 20 &&
+           offsetof(Solver, work_) == 24 && sizeof(Solver) == 32;
+  }
+
   template <int... N>
   static constexpr bool small_hold(std::integer_sequence<int, N...>) {
     return ((sizeof(TnLaTSmallVec<N + 1, double>) == (N + 1) * sizeof(double)) && ...) &&
@@ -65,4 +73,5 @@ static_assert(!k64Bit || TnLaLayout::householder_holds());
 static_assert(!k64Bit || TnLaLayout::qr_holds<TnLaDblMat>());
 static_assert(!k64Bit || TnLaLayout::qr_holds<TnLaTSmallMat<12, 12, double>>());
 static_assert(!k64Bit || TnLaLayout::cholesky_holds());
+static_assert(!k64Bit || TnLaLayout::band_holds());
 static_assert(TnLaLayout::small_hold(std::make_integer_sequence<int, 12>()));

@@ -16,6 +16,12 @@ double dot(Index n, const double* x, const double* y) {
   return sum;
 }
 
+double dot(Index n, const double* x, const double* y, Index incr_y) {
+  double sum = 0.0;
+  for (Index i = 0; i < n; ++i) sum += x[i] * y[i * incr_y];
+  return sum;
+}
+
 double scaled_dot(Index n, const double* x, const double* y, double f) {
   double sum = 0.0;
   for (Index i = 0; i < n; ++i) sum += (f * x[i]) * y[i];

@@ -11,6 +11,7 @@ namespace tnla_kernels {
 
 double sum_of_squares(Index n, const double* x);                         // sum x[i] * x[i]
 double dot(Index n, const double* x, const double* y);                   // sum x[i] * y[i]
+double dot(Index n, const double* x, const double* y, Index incr_y);     // sum x[i] * y[i * incr_y]
 double scaled_dot(Index n, const double* x, const double* y, double f);  // sum (f * x[i]) * y[i]
 
 struct Distance {

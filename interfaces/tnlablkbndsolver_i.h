@@ -1,0 +1,91 @@
+#pragma once
+
+#include "tnla_export.h"
+#include "tnla_matrix_vector_i.h"
+
+// Banded linear least squares whose equations arrive block by block, with several right-hand sides.
+//
+// Every equation touches `bandwidth` consecutive unknowns.  A few exceptional equations may couple the
+// first unknowns with the last ones, as a closed chain does.  Derive from the class and deliver the
+// equations; solve() asks for the blocks one after the other and folds each into a triangle as soon as it
+// is there, so that memory does not grow with the number of equations.
+//
+//     unknowns  0 1 2 3 4 5 6
+//             [ x x x         ]  block 0: its unknowns begin at 0
+//             [ x x x         ]
+//             [   x x x       ]  block 1: at 1
+//             [     x x x     ]  block 2: at 2
+//             [     x x x     ]
+//             [ f f       l l ]  exceptional: the first unknowns and the last ones
+//
+// N unknowns, NB the bandwidth, R right-hand sides, M the largest number of equations in a block.
+//
+//  (1) Band storage: a row holds the coefficients of NB consecutive unknowns in columns 0 ... NB-1, then
+//  the R
+//      right-hand sides.  Equations with fewer coefficients are filled up with zeros.
+//  (2) Blocks come with non-decreasing first unknowns and without a gap: the first unknown of a block is at
+//      most the number of rows folded so far, which is the block before's first unknown plus its rows, or
+//      plus NB if that is less.  Neither is tested; the solution is then another one.
+//  (3) The result is false, and x resized and partly overwritten, if an unknown has no equation, or a
+//  diagonal
+//      element of the triangle is smaller than 1e-10 in magnitude.  The bound is absolute: scale the
+//      equations so that their lengths are near 1.  A NaN passes.
+//  (4) With exceptional equations and N < 3 NB the triangle and they are solved together by
+//  tnla_linearsolve;
+//      from N = 3 NB on, unknown after unknown is eliminated from them.  A false of the dense solve or of
+//      the last 2 NB - 1 unknowns' QR decomposition is then the result, with x resized or as it was.  An
+//      unknown that only the exceptional equations determine has to be among the last 2 NB - 1, or all are
+//      taken in the dense solve.
+//  (5) Asserted in src/tnlablkbndsolver.cpp, one call each, and then false: the rows of a block fit the
+//  work
+//      matrix, and those of the exceptional equations theirs; neither their number nor the first unknown is
+//      negative; the matrices keep their shape.  Exceptional equations that are announced and not given are
+//      asserted too; the solve goes on without them.
+//  (6) A band that reaches beyond the last unknown is asserted as an element access wherever such a
+//      coefficient is met; the coefficient does not count.
+//  (7) A solver can be used again, also after an exception out of an operation of the derived class, which
+//      passes through solve() without a loss.  One thread at a time.  A negative size is std::bad_alloc.
+//
+// The solver owns a work matrix of (N + M) x (NB + R), made by the first solve() with the M of that time. A
+// fold costs about 2 (NB + R) NB (NB + 2 m) flops for a block of m equations; with exceptional equations
+// there is a second matrix of N - 2 NB + 1 rows and NB columns for the time of a solve.
+//
+// Source: Lawson and Hanson, Solving Least Squares Problems, chapter 27 (sequential accumulation for banded
+// problems), for several right-hand sides.
+class TNLA_API TnLaBlkBndSolver {
+ public:
+  TnLaBlkBndSolver(int unknowns, int blocks, int bandwidth, int rhs_count);
+  TnLaBlkBndSolver(const TnLaBlkBndSolver&) = delete;
+  TnLaBlkBndSolver& operator=(const TnLaBlkBndSolver&) = delete;
+  virtual ~TnLaBlkBndSolver();
+
+  // Writes the equations of `block` into the rows from `first_row` on of G, which is the work matrix; every
+  // element of these rows, because they hold what was there before.  `count` is their number and
+  // `first_unknown` the unknown of column 0; both are 0 at the call.  The rows above first_row must stay.
+  virtual void get_block_equations(int block, int first_row, TnLaDblMat& G, int& count,
+                                   int& first_unknown) const = 0;
+
+  // The largest number of equations in a block, or of exceptional ones.
+  virtual int max_block_equations() const = 0;
+
+  // Whether there are exceptional equations; false unless overridden.
+  virtual bool exceptional() const;
+
+  // Writes the exceptional equations into rows 0 ... count-1.  `first`, M x NB, holds the coefficients of
+  // the unknowns 0 ... NB-1, `last`, M x NB, those of the unknowns N-NB ... N-1, `rhs`, M x R, the
+  // right-hand sides.  All are 0 at the call.  Where the two ranges overlap the coefficients add.
+  virtual void get_exceptional_equations(TnLaDblMat& first, TnLaDblMat& last, TnLaDblMat& rhs,
+                                         int& count) const;
+
+  // The least-squares solution, N x R: column k is that of right-hand side k.
+  bool solve(TnLaDblMat& x) const;
+
+ private:
+  int unknowns_;
+  int blocks_;
+  int bandwidth_;
+  int rhs_count_;
+  mutable TnLaDblMat* work_;
+
+  friend struct TnLaLayout;
+};

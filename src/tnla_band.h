@@ -1,0 +1,57 @@
+#pragma once
+
+#include "kernels/index.h"
+#include "tnla_matrix_vector_i.h"
+
+// The triangle into which the equations of a banded least-squares problem are folded, row by row of a work
+// matrix G.  A row of G holds the coefficients of `bandwidth` consecutive unknowns, then the right-hand
+// sides.
+//
+//     row   first unknown    the diagonal element is in column
+//     r     min(r, front)    r - min(r, front)
+//
+// `front` is the first unknown of the latest block.  Rows from n_rows() on count as zero, whatever G holds.
+class TnLaBand {
+ public:
+  using Index = tnla_kernels::Index;
+
+  // An empty triangle for n unknowns.  G is N + M rows high and has a column for every right-hand side.
+  TnLaBand(TnLaDblMat& G, int n, int bandwidth)
+      : G_(G), n_(n), bandwidth_(bandwidth), n_rhs_(static_cast<Index>(G.n_cols()) - bandwidth) {}
+
+  TnLaDblMat& G() const { return G_; }
+  Index n() const { return n_; }
+  Index bandwidth() const { return bandwidth_; }
+  Index n_rhs() const { return n_rhs_; }
+  Index n_rows() const { return n_rows_; }
+  Index first_unknown(Index row) const { return row < front_ ? row : front_; }
+
+  bool has_room_for(Index count) const { return count <= static_cast<Index>(G_.n_rows()) - n_rows_; }
+
+  // Folds in `count` equations that begin at unknown `first`.  They are in the rows from n_rows() on.
+  void fold(Index count, Index first);
+
+  // Moves the front up: the rows behind the old one begin at the new one, or at their own unknown if that
+  // comes before.  What leaves a row there is zero.
+  void align(Index front);
+
+  // The solution, n x n_rhs.  False where a row is missing or its diagonal element is too small; x then
+  // keeps what has been written.
+  bool back_substitute(TnLaDblMat& x) const;
+
+ private:
+  void triangularize(Index top, Index height);
+
+  TnLaDblMat& G_;
+  Index n_;
+  Index bandwidth_;
+  Index n_rhs_;
+  Index front_ = 0;
+  Index n_rows_ = 0;
+};
+
+// A diagonal element below it in magnitude ends a back substitution; a NaN does not.
+inline constexpr double kSmallestBandDiagonal = 1e-10;
+
+// Element (i, j), checked as operator() does; null if there is none.
+double* tnla_element_or_null(TnLaDblMat& A, tnla_kernels::Index i, tnla_kernels::Index j);
