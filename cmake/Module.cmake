@@ -5,6 +5,7 @@ function(tarn_module name header_dir)
   add_library(TARN::${name} ALIAS ${name})
   set_target_properties(${name} PROPERTIES
     OUTPUT_NAME TARN${name}
+    INSTALL_RPATH $ORIGIN  # one module finds the other beside it, also where a client links to one alone
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
     CXX_STANDARD 20
