@@ -20,7 +20,7 @@
 //      Otherwise false, with zero eigenvalues and the identity.
 //  (5) std::bad_alloc leaves `a` as it was.
 //
-// Three to ten sweeps are usual, of about 6 n^3 flops each.  Nothing is scaled and no threshold is
+// Three to ten sweeps are usual, of about 8 n^3 flops each.  Nothing is scaled and no threshold is
 // absolute.  `vectors` must not be `a`.
 //
 // Source: Rutishauser, The Jacobi Method for Real Symmetric Matrices, Numerische Mathematik 9 (1966):
