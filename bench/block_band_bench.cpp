@@ -45,9 +45,9 @@ class Chain : public TnLaBlkBndSolver {
                            int& first_unknown) const override {
     count = per_block_;
     first_unknown = block;
-    for (int e = 0; e < count; ++e) {
+    auto row = static_cast<std::size_t>(first_row);
+    for (int e = 0; e < count; ++e, ++row) {
       double sums[kRightSides] = {};
-      const auto row = static_cast<std::size_t>(first_row + e);
       for (int c = 0; c < kBandwidth; ++c) {
         const double coefficient = pseudo_random(block, e, c);
         G(row, static_cast<std::size_t>(c)) = coefficient;
@@ -101,7 +101,7 @@ void solve_chain(benchmark::State& state, bool closed) {
   }
   const auto peak = static_cast<double>(heap::peak() - before);
 
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const bool solved = chain.solve(x);
     benchmark::DoNotOptimize(solved);
   }

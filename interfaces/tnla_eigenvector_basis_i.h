@@ -11,13 +11,13 @@
 // normalised.
 //
 //  (1) Only the diagonal and the strictly upper triangle of `a` are read.  The strictly upper triangle is
-//      overwritten, and zero at the end; the diagonal and the lower triangle stay.
-//  (2) Among equal eigenvalues the order in which the iteration left them stays.
-//  (3) False: 50 sweeps were not enough, as where `a` holds a NaN or an infinity.  Eigenvalues and vectors
-//      are then those of the last sweep, unsorted.  Convergence is tested before a sweep only, so what
-//      converges in the fiftieth is false too.
-//  (4) Asserted, as an element access: `a` has as many columns as rows, or more, which are not looked at.
-//      Otherwise false, with zero eigenvalues and the identity.
+//      overwritten, and zero if the result is true; the diagonal and the lower triangle stay.
+//  (2) Equal eigenvalues come in the order in which selection finds them: the first one first.
+//  (3) False: 50 sweeps were not enough.  Eigenvalues and vectors are then those of the last sweep,
+//      unsorted.  Convergence is tested before a sweep only, so what converges in the fiftieth is false
+//      too.  A NaN outside the diagonal is false; other NaN and infinities may pass through.
+//  (4) Asserted, as element accesses: `a` has no fewer columns than rows (more are not looked at), and
+//      `eigenvalues` took n elements.  Otherwise false, with zero eigenvalues and the identity.
 //  (5) std::bad_alloc leaves `a` as it was.
 //
 // Three to ten sweeps are usual, of about 8 n^3 flops each.  Nothing is scaled and no threshold is

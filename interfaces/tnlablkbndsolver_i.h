@@ -21,34 +21,30 @@
 // N unknowns, NB the bandwidth, R right-hand sides, M the largest number of equations in a block.
 //
 //  (1) Band storage: a row holds the coefficients of NB consecutive unknowns in columns 0 ... NB-1, then
-//  the R
-//      right-hand sides.  Equations with fewer coefficients are filled up with zeros.
-//  (2) Blocks come with non-decreasing first unknowns and without a gap: the first unknown of a block is at
-//      most the number of rows folded so far, which is the block before's first unknown plus its rows, or
-//      plus NB if that is less.  Neither is tested; the solution is then another one.
-//  (3) The result is false, and x resized and partly overwritten, if an unknown has no equation, or a
-//  diagonal
-//      element of the triangle is smaller than 1e-10 in magnitude.  The bound is absolute: scale the
-//      equations so that their lengths are near 1.  A NaN passes.
-//  (4) With exceptional equations and N < 3 NB the triangle and they are solved together by
-//  tnla_linearsolve;
-//      from N = 3 NB on, unknown after unknown is eliminated from them.  A false of the dense solve or of
-//      the last 2 NB - 1 unknowns' QR decomposition is then the result, with x resized or as it was.  An
-//      unknown that only the exceptional equations determine has to be among the last 2 NB - 1, or all are
-//      taken in the dense solve.
-//  (5) Asserted in src/tnlablkbndsolver.cpp, one call each, and then false: the rows of a block fit the
-//  work
-//      matrix, and those of the exceptional equations theirs; neither their number nor the first unknown is
-//      negative; the matrices keep their shape.  Exceptional equations that are announced and not given are
-//      asserted too; the solve goes on without them.
+//      the R right-hand sides.  An equation with fewer coefficients is filled up with zeros.
+//  (2) Blocks come with non-decreasing first unknowns and without a gap: a block with the first unknown f
+//      and m equations turns r folded rows into f + min(r + m - f, NB), and the next block's first unknown
+//      is at most that.  Neither is tested; what comes out is then the solution of something else.
+//  (3) Without exceptional equations the result is false if an unknown has no equation, or a diagonal
+//      element of the triangle is smaller than 1e-10 in magnitude; x is then resized and partly
+//      overwritten.  The bound is absolute: scale the equations so that their lengths are near 1.  A NaN
+//      passes.  R = 0 is true, and nothing is computed.
+//  (4) With exceptional equations and N < 3 NB, the triangle and they are solved together as one dense
+//      system by tnla_linearsolve, whose result it is.  From N = 3 NB on, unknown after unknown is
+//      eliminated from them until 2 NB - 1 are left, which TnLaTQRDecompo solves: its false is the result,
+//      with x as it was.  For the unknowns before those, the bound of (3) holds.
+//  (5) Asserted in src/tnlablkbndsolver.cpp, one call each, and then false: neither the number of equations
+//      nor their first unknown is negative, and they fit the matrix that they are written to; the matrices
+//      keep their shape.  Exceptional equations that are announced and not given are asserted too; the
+//      solve goes on without them.
 //  (6) A band that reaches beyond the last unknown is asserted as an element access wherever such a
 //      coefficient is met; the coefficient does not count.
 //  (7) A solver can be used again, also after an exception out of an operation of the derived class, which
 //      passes through solve() without a loss.  One thread at a time.  A negative size is std::bad_alloc.
 //
-// The solver owns a work matrix of (N + M) x (NB + R), made by the first solve() with the M of that time. A
-// fold costs about 2 (NB + R) NB (NB + 2 m) flops for a block of m equations; with exceptional equations
-// there is a second matrix of N - 2 NB + 1 rows and NB columns for the time of a solve.
+// The solver owns a work matrix of (N + M) x (NB + R), made by the first solve() with the M of that time.
+// A block of m equations costs at most about 2 NB (NB + 2 R) (NB + m) flops.  From N = 3 NB on, exceptional
+// equations need a second matrix of N - 2 NB + 1 rows and NB columns for the time of a solve.
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 27 (sequential accumulation for banded
 // problems), for several right-hand sides.
@@ -59,9 +55,9 @@ class TNLA_API TnLaBlkBndSolver {
   TnLaBlkBndSolver& operator=(const TnLaBlkBndSolver&) = delete;
   virtual ~TnLaBlkBndSolver();
 
-  // Writes the equations of `block` into the rows from `first_row` on of G, which is the work matrix; every
-  // element of these rows, because they hold what was there before.  `count` is their number and
-  // `first_unknown` the unknown of column 0; both are 0 at the call.  The rows above first_row must stay.
+  // Writes the equations of `block` into the rows from `first_row` on of G, the work matrix: every element
+  // of these rows, because they hold what was there before.  `count` is their number and `first_unknown`
+  // the unknown of column 0; both are 0 at the call.  The rows above first_row must stay.
   virtual void get_block_equations(int block, int first_row, TnLaDblMat& G, int& count,
                                    int& first_unknown) const = 0;
 

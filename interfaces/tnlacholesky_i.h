@@ -14,18 +14,17 @@
 //     cholesky.b(next_load);   cholesky.x();                             // the factor is kept
 //
 //  (1) The factor is computed at the first x() after a(), and kept for every b() that follows.
-//  (2) A pivot below 1e-10 means that A is not positive definite.  The bound is absolute: it looks at the
-//      pivot before its square root, and knows nothing of the scale of A.  A NaN passes.
+//  (2) A pivot below 1e-10 counts as not positive definite.  The bound is absolute: it looks at the pivot
+//      before its square root, and knows nothing of the scale of A.  A NaN passes.
 //  (3) Such a matrix is no error.  Every x() then solves by the rank-revealing tnla_linearsolve with the
-//      tolerance 1e-10 instead, and does not report it: an indefinite A gets its solution, a singular one
-//      the solution of minimal length.
-//  (4) The factor is taken from the upper triangle of A alone; (3) looks at all of it.  Give both
-//  triangles. (5) A wrong length in a() or b(), and an x() without A or b, are asserted, naming
-//  src/tnlacholesky.cpp:
-//      one call of the hook each.  What the object then does is said with the operation, and done also
-//      while no handler is installed.
-//  (6) std::bad_alloc leaves the object usable and loses no memory.  What a() or b() was to replace is then
-//      gone; after a failed x() the next one starts again where that one failed.
+//      tolerance 1e-10, and does not report it: an indefinite A gets its solution, a singular one the
+//      solution of minimal length.  This bound is absolute too: scale A so that its diagonal is near 1.
+//  (4) The factor is taken from the upper triangle of A alone; (3) looks at all of it.  Give both.
+//  (5) A wrong length in a() or b(), and an x() without A or b, are asserted, naming
+//      src/tnlacholesky.cpp: one call of the hook each.  What the object then does is said with the
+//      operation, and done also while no handler is installed.
+//  (6) std::bad_alloc leaves the object usable and loses no memory.  After a failed a() or b() there is
+//      still no A or no b; after a failed x() the next one starts again where that one failed.
 //
 // The object owns copies of A and b, and the solution.  It holds 2 n^2 numbers; a factor costs n^3 / 3
 // flops, a solution 2 n^2.

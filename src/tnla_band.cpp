@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "kernels/reductions.h"
-#include "kernels/reflect.h"
 #include "tnla_access.h"
+#include "tnla_column_reflection.h"
 
 using tnla_kernels::Index;
 
@@ -38,14 +38,14 @@ void TnLaBand::align(Index front) {
   front_ = front;
 }
 
-// The reflections start at the diagonal of every column, also where the rows are triangular already: the
-// zeros among them cost work and change nothing.
+// Every column is reflected from its diagonal on, also where the rows are triangular already: that costs
+// work, may turn the sign of such a row, and keeps the scheme simple.
 void TnLaBand::triangularize(Index top, Index height) {
   const auto ld = static_cast<Index>(G_.n_rows());
   const Index n_cols = bandwidth_ + n_rhs_;
   for (Index i = 0; i < bandwidth_ && i < height - 1; ++i) {
     double* const column = TnLaAccess::elements(G_) + i * ld + top + i;
-    tnla_kernels::ColumnReflection reflection(column, height - 1 - i);
+    TnLaColumnReflection reflection(column, height - 1 - i);
     reflection.apply(column + ld, ld, n_cols - 1 - i);
     reflection.finish();
   }
@@ -64,6 +64,7 @@ bool TnLaBand::back_substitute(TnLaDblMat& x) const {
 
   for (Index k = 0; k < n_rhs_; ++k) {
     double* const column = TnLaAccess::elements(x) + k * n_;
+    for (Index i = std::min(front_, n_rows_) - 1; i >= n_; --i) tnla_element_or_null(x, i, k);
     for (Index i = n_ - 1; i >= 0; --i) {
       const Index on_diagonal = i - first_unknown(i);
       if (i >= n_rows_ || on_diagonal >= bandwidth_) return false;

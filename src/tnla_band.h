@@ -23,6 +23,7 @@ class TnLaBand {
   Index n() const { return n_; }
   Index bandwidth() const { return bandwidth_; }
   Index n_rhs() const { return n_rhs_; }
+  Index front() const { return front_; }
   Index n_rows() const { return n_rows_; }
   Index first_unknown(Index row) const { return row < front_ ? row : front_; }
 

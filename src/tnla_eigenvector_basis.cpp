@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "kernels/jacobi.h"
@@ -6,7 +7,7 @@
 
 namespace {
 
-// Selection, so that the first of several equal values stays the first.
+// By selection: of equal values, the first one is taken first.
 void sort_decreasing(std::size_t n, double* d, TnLaDblMat& V) {
   for (std::size_t i = 0; i < n; ++i) {
     std::size_t k = i;
@@ -26,12 +27,12 @@ bool tnla_eigenvector_basis(TnLaDblMat& a, TnArray<double>& eigenvalues, TnLaDbl
   vectors.resize(n, n, false);
   vectors.set_diagonal(1.0, 0);
   eigenvalues.set_size(n, false);
+  if (eigenvalues.size() > 0) std::fill_n(eigenvalues.data(), eigenvalues.size(), 0.0);
   const bool reaches_the_diagonal = n <= a.n_cols();
   TN_ASSERT("interfaces/tnla_matrix_vector_i.h", reaches_the_diagonal);
-  if (!reaches_the_diagonal) {
-    for (std::size_t i = 0; i < n; ++i) eigenvalues[i] = 0.0;
-    return false;
-  }
+  const bool has_room = n <= eigenvalues.size();  // a derived array sizes itself as it likes
+  TN_ASSERT("interfaces/tnarray_i.h", has_room);
+  if (!reaches_the_diagonal || !has_room) return false;
 
   TnArray<double> b;
   b.set_size(n, false);

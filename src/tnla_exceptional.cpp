@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "kernels/reductions.h"
-#include "kernels/reflect.h"
 #include "tnla_access.h"
+#include "tnla_column_reflection.h"
 #include "tnla_linearsolve_i.h"
 #include "tnlaqrdecompo_i.h"
 
@@ -40,6 +40,9 @@ struct FullSystem {
       }
       put_rhs(row - begin, triangle.G(), row, triangle.bandwidth());
     }
+    for (Index row = triangle.n(); row < std::min(triangle.n_rows(), triangle.front()); ++row) {
+      tnla_element_or_null(A, row - begin, row - begin);
+    }
   }
 
   // Row `from` of exceptional equations, whose `first` begins at the unknown `begin`.
@@ -68,6 +71,14 @@ struct FullSystem {
   }
 };
 
+// Triangle and exceptional equations as one system.
+bool solve_dense(const TnLaBand& triangle, const TnLaExceptional& equations, TnLaDblMat& x) {
+  FullSystem system(triangle.n() + equations.count, 0, triangle.n(), triangle.n_rhs());
+  system.put(triangle);
+  for (Index e = 0; e < equations.count; ++e) system.put(triangle.n() + e, equations, e, triangle);
+  return tnla_linearsolve(system.A, system.B, x);
+}
+
 // Eliminates unknown after unknown from the exceptional equations, by the triangle's row of that unknown,
 // until only the last 2 NB - 1 are left.  What the rows acquire thereby for the last NB unknowns is the
 // coupling.
@@ -77,7 +88,8 @@ class Elimination {
       : triangle_(triangle),
         equations_(equations),
         n_eliminated_(triangle.n() - 2 * triangle.bandwidth() + 1),
-        coupling_(zeros(n_eliminated_, triangle.bandwidth())) {
+        coupling_(zeros(n_eliminated_, triangle.bandwidth())),
+        height_(static_cast<Index>(equations.first.n_rows()) + 1) {
     triangle_.align(n_eliminated_);
     for (TnLaDblMat* const part : {&equations_.first, &equations_.last, &equations_.rhs}) {
       part->insert_rows(0, 1);  // for the triangle's row
@@ -99,51 +111,48 @@ class Elimination {
   Index bandwidth() const { return triangle_.bandwidth(); }
   Index n_rhs() const { return triangle_.n_rhs(); }
 
+  double* first() { return TnLaAccess::elements(equations_.first); }
+  double* last() { return TnLaAccess::elements(equations_.last); }
+  double* rhs() { return TnLaAccess::elements(equations_.rhs); }
+
   // `first` begins at the next unknown.
   void advance() {
-    TnLaDblMat& first = equations_.first;
-    const auto ld = static_cast<Index>(first.n_rows());
-    double* const f = TnLaAccess::elements(first);
-    for (Index c = 0; c + 1 < bandwidth(); ++c) {
-      std::copy_n(f + (c + 1) * ld + 1, equations_.count, f + c * ld + 1);
+    double* column = first() + 1;
+    for (Index c = 0; c + 1 < bandwidth(); ++c, column += height_) {
+      std::copy_n(column + height_, equations_.count, column);
     }
-    std::fill_n(f + (bandwidth() - 1) * ld + 1, equations_.count, 0.0);
+    std::fill_n(column, equations_.count, 0.0);
   }
 
   // Row v of the triangle becomes the pivot row.
   void copy_in(Index v) {
-    const TnLaDblMat& G = triangle_.G();
     const bool given = v < triangle_.n_rows();
-    const std::size_t row = static_cast<std::size_t>(v);
-    const std::size_t nb = equations_.first.n_cols();
-    for (std::size_t c = 0; c < nb; ++c) {
-      equations_.first(0, c) = given ? G(row, c) : 0.0;
-      equations_.last(0, c) = 0.0;
+    const double* const g = TnLaAccess::elements(triangle_.G()) + v;
+    const auto ldg = static_cast<Index>(triangle_.G().n_rows());
+    for (Index c = 0; c < bandwidth(); ++c) {
+      first()[c * height_] = given ? g[c * ldg] : 0.0;
+      last()[c * height_] = 0.0;
     }
-    for (std::size_t k = 0; k < equations_.rhs.n_cols(); ++k) {
-      equations_.rhs(0, k) = given ? G(row, nb + k) : 0.0;
-    }
+    for (Index k = 0; k < n_rhs(); ++k) rhs()[k * height_] = given ? g[(bandwidth() + k) * ldg] : 0.0;
   }
 
   void eliminate() {
-    const auto ld = static_cast<Index>(equations_.first.n_rows());
-    double* const column = TnLaAccess::elements(equations_.first);
-    tnla_kernels::ColumnReflection reflection(column, equations_.count);
-    reflection.apply(column + ld, ld, bandwidth() - 1);
-    reflection.apply(TnLaAccess::elements(equations_.last), ld, bandwidth());
-    reflection.apply(TnLaAccess::elements(equations_.rhs), ld, n_rhs());
+    TnLaColumnReflection reflection(first(), equations_.count);
+    reflection.apply(first() + height_, height_, bandwidth() - 1);
+    reflection.apply(last(), height_, bandwidth());
+    reflection.apply(rhs(), height_, n_rhs());
     reflection.finish();
   }
 
   void copy_out(Index v) {
-    TnLaDblMat& G = triangle_.G();
-    const std::size_t row = static_cast<std::size_t>(v);
-    const std::size_t nb = equations_.first.n_cols();
-    for (std::size_t c = 0; c < nb; ++c) {
-      G(row, c) = equations_.first(0, c);
-      coupling_(row, c) = equations_.last(0, c);
+    double* const g = TnLaAccess::elements(triangle_.G()) + v;
+    const auto ldg = static_cast<Index>(triangle_.G().n_rows());
+    double* const t = TnLaAccess::elements(coupling_) + v;
+    for (Index c = 0; c < bandwidth(); ++c) {
+      g[c * ldg] = first()[c * height_];
+      t[c * n_eliminated_] = last()[c * height_];
     }
-    for (std::size_t k = 0; k < equations_.rhs.n_cols(); ++k) G(row, nb + k) = equations_.rhs(0, k);
+    for (Index k = 0; k < n_rhs(); ++k) g[(bandwidth() + k) * ldg] = rhs()[k * height_];
   }
 
   // The rest of the triangle, a zero row for the pivot row, the exceptional equations.
@@ -188,6 +197,7 @@ class Elimination {
   TnLaExceptional& equations_;
   Index n_eliminated_;
   TnLaDblMat coupling_;
+  Index height_;  // rows of `first`, `last` and `rhs`, the pivot row among them
 };
 
 }  // namespace
@@ -200,13 +210,8 @@ bool TnLaExceptional::fit(std::size_t most, std::size_t bandwidth, std::size_t n
          has_shape(last, most, bandwidth) && has_shape(rhs, most, n_rhs);
 }
 
-bool tnla_solve_dense(const TnLaBand& triangle, const TnLaExceptional& equations, TnLaDblMat& x) {
-  FullSystem system(triangle.n() + equations.count, 0, triangle.n(), triangle.n_rhs());
-  system.put(triangle);
-  for (Index e = 0; e < equations.count; ++e) system.put(triangle.n() + e, equations, e, triangle);
-  return tnla_linearsolve(system.A, system.B, x);
-}
-
-bool tnla_solve_structured(TnLaBand& triangle, TnLaExceptional& equations, TnLaDblMat& x) {
-  return Elimination(triangle, equations).solve(x);
+bool tnla_solve_with_exceptional(TnLaBand& triangle, TnLaExceptional& equations, TnLaDblMat& x) {
+  const bool has_room_to_eliminate = triangle.bandwidth() >= 1 && triangle.n() >= 3 * triangle.bandwidth();
+  return has_room_to_eliminate ? Elimination(triangle, equations).solve(x)
+                               : solve_dense(triangle, equations, x);
 }

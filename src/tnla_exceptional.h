@@ -7,7 +7,7 @@
 #include "tnla_matrix_vector_i.h"
 
 // Equations that couple the first unknowns of a banded problem with the last ones, and the two ways to
-// solve for all of them together with the triangle.
+// solve them together with the triangle.
 
 // Row e holds the coefficients of the unknowns 0 ... NB-1 in `first`, those of the unknowns N-NB ... N-1 in
 // `last`, and the right-hand sides.
@@ -24,11 +24,12 @@ struct TnLaExceptional {
   bool fit(std::size_t most, std::size_t bandwidth, std::size_t n_rhs) const;
 };
 
-// Writes everything out as one dense system.  False where tnla_linearsolve says so.
-bool tnla_solve_dense(const TnLaBand& triangle, const TnLaExceptional& equations, TnLaDblMat& x);
-
-// Eliminates unknown after unknown from the equations, until only the last 2 NB - 1 are left.  N >= 3 NB
-// and NB >= 1 keep the strip of `first`, as it travels along the unknowns, clear of those of `last`.  False
-// where the decomposition of the rest is not of full rank, or a diagonal element is too small.  The
-// triangle and the equations are used up.
-bool tnla_solve_structured(TnLaBand& triangle, TnLaExceptional& equations, TnLaDblMat& x);
+// The least-squares solution of the triangle and the equations together.  It uses both up.
+//
+// From N = 3 NB on, unknown after unknown is eliminated from the equations, until only the last 2 NB - 1
+// are left; the bound keeps the strip of `first`, as it travels along the unknowns, clear of those of
+// `last`. Below, everything is written out as one dense system.
+//
+// False where the dense system or that of the last unknowns is not of full rank, or a diagonal element of
+// the triangle is too small.
+bool tnla_solve_with_exceptional(TnLaBand& triangle, TnLaExceptional& equations, TnLaDblMat& x);

@@ -218,27 +218,29 @@ void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat&
   TN_ASSERT(kFile, jet.n_rows() == ref.n_rows());
   TN_ASSERT(kFile, exceeds_order(jet.n_cols()));
   TN_ASSERT(kFile, exceeds_order(ref.n_cols()));
-  order = std::min(order, 3);
-  if (!exceeds_order(jet.n_cols())) order = static_cast<int>(jet.n_cols()) - 1;
+  order = static_cast<int>(std::min({tnla_kernels::Index{order}, tnla_kernels::Index{3},
+                                     static_cast<tnla_kernels::Index>(jet.n_cols()) - 1}));
   if (order < 1) return;
 
-  const int n = static_cast<int>(jet.n_rows());
-  double* const x = TnLaAccess::elements(jet);
-  const Jet c{x, jet.n_rows()};
+  const std::size_t rows = jet.n_rows();
+  const int n = static_cast<int>(rows);
+  const Jet c{TnLaAccess::elements(jet), rows};
   TnArray<double> extended;
-  const std::size_t needed = static_cast<std::size_t>(order) * ref.n_rows() + jet.n_rows();
+  const std::size_t needed = static_cast<std::size_t>(order) * ref.n_rows() + rows;
   const Jet r{zero_extended(ref.array(), needed, extended), ref.n_rows()};
   ParameterChange phi;
   if (!match_speed(n, c, r, orientation, phi)) return;
   if (!linear_only && order >= 2 && !match_components(n, order, c, r, phi)) return;
 
+  const std::size_t middle = order >= 3 ? middle_column(behaviour) : 2;
+  double* const x = TnLaAccess::elements(jet);  // after the question, which is the client's code
+  double* const c1 = x + rows;
+  double* const c2 = c1 + rows;
+  double* const c3 = c2 + rows;
   // The highest derivative first: each reads the lower ones as they were.
   const double square = phi.lambda * phi.lambda;
-  double* const c1 = x + jet.n_rows();
-  double* const c2 = c1 + jet.n_rows();
-  double* const c3 = c2 + jet.n_rows();
   if (order >= 3) {
-    tnla_lincomb(n, c3, square * phi.lambda, c[middle_column(behaviour)], phi.lambda * 3.0 * phi.mu2, c3);
+    tnla_lincomb(n, c3, square * phi.lambda, x + middle * rows, phi.lambda * 3.0 * phi.mu2, c3);
     tnla_lincomb(n, c3, 1.0, c1, phi.mu3, c3);
   }
   if (order >= 2) tnla_lincomb(n, c2, square, c1, phi.mu2, c2);

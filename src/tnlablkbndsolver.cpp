@@ -13,22 +13,20 @@ std::size_t size(int n) {
   return static_cast<std::size_t>(n);
 }
 
-// Gives up a work matrix whose shape an operation of the derived class has changed, at the end of a solve.
-class ShapeGuard {
+// The work matrix is in the hands of the derived class, which is not to change its shape.
+class WorkMatrix {
  public:
-  explicit ShapeGuard(TnLaDblMat*& work) : work_(work), n_rows_(work->n_rows()), n_cols_(work->n_cols()) {}
-  ~ShapeGuard() {
-    if (holds()) return;
-    delete work_;
-    work_ = nullptr;
-  }
-  ShapeGuard(const ShapeGuard&) = delete;
-  ShapeGuard& operator=(const ShapeGuard&) = delete;
+  explicit WorkMatrix(TnLaDblMat& G) : G_(G), n_rows_(G.n_rows()), n_cols_(G.n_cols()) {}
 
-  bool holds() const { return work_->n_rows() == n_rows_ && work_->n_cols() == n_cols_; }
+  // What has another shape now is emptied, so that the next solve sets it up again.
+  bool has_kept_its_shape() {
+    if (G_.n_rows() == n_rows_ && G_.n_cols() == n_cols_) return true;
+    G_.resize(0, 0, false);
+    return false;
+  }
 
  private:
-  TnLaDblMat*& work_;
+  TnLaDblMat& G_;
   std::size_t n_rows_;
   std::size_t n_cols_;
 };
@@ -47,32 +45,36 @@ void TnLaBlkBndSolver::get_exceptional_equations(TnLaDblMat& /*first*/, TnLaDblM
 
 bool TnLaBlkBndSolver::solve(TnLaDblMat& x) const {
   const std::size_t most = size(max_block_equations());
+  const std::size_t n = size(unknowns_);
   const std::size_t bandwidth = size(bandwidth_);
   const std::size_t n_rhs = size(rhs_count_);
-  if (work_ == nullptr) work_ = new TnLaDblMat(size(unknowns_) + most, bandwidth + n_rhs, 0.0);
-  const ShapeGuard shape(work_);
+  if (work_ == nullptr) work_ = new TnLaDblMat(n + most, bandwidth + n_rhs, 0.0);
+  TnLaDblMat& G = *work_;
+  if (G.n_rows() < n || G.n_cols() != bandwidth + n_rhs) G.resize(n + most, bandwidth + n_rhs, false);
+  WorkMatrix work(G);
 
-  TnLaBand triangle(*work_, unknowns_, bandwidth_);
+  TnLaBand triangle(G, unknowns_, bandwidth_);
   for (int block = 0; block < blocks_; ++block) {
     int count = 0;
     int first_unknown = 0;
-    get_block_equations(block, static_cast<int>(triangle.n_rows()), *work_, count, first_unknown);
-    const bool fits = shape.holds() && count >= 0 && first_unknown >= 0 && triangle.has_room_for(count);
+    get_block_equations(block, static_cast<int>(triangle.n_rows()), G, count, first_unknown);
+    const bool fits =
+        work.has_kept_its_shape() && count >= 0 && first_unknown >= 0 && triangle.has_room_for(count);
     TN_ASSERT(kFile, fits);
     if (!fits) return false;
     triangle.fold(count, first_unknown);
   }
-  if (!exceptional()) return triangle.back_substitute(x);
 
-  TnLaExceptional equations(most, bandwidth, n_rhs);
-  get_exceptional_equations(equations.first, equations.last, equations.rhs, equations.count);
+  const bool is_closed = exceptional();
+  TnLaExceptional equations(is_closed ? most : 0, bandwidth, n_rhs);
+  if (is_closed) {
+    get_exceptional_equations(equations.first, equations.last, equations.rhs, equations.count);
+    TN_ASSERT(kFile, equations.count >= 1);
+  }
   const bool given = equations.count >= 1;
-  TN_ASSERT(kFile, given);
-  if (!given) return triangle.back_substitute(x);
-  const bool fits = equations.fit(most, bandwidth, n_rhs);
+  const bool fits = work.has_kept_its_shape() && (!given || equations.fit(most, bandwidth, n_rhs));
   TN_ASSERT(kFile, fits);
   if (!fits) return false;
-  const bool is_short = triangle.n() < 3 * triangle.bandwidth() || bandwidth == 0;
-  return is_short ? tnla_solve_dense(triangle, equations, x)
-                  : tnla_solve_structured(triangle, equations, x);
+  if (!given) return triangle.back_substitute(x);
+  return tnla_solve_with_exceptional(triangle, equations, x);
 }

@@ -55,26 +55,23 @@ void TnLaCholesky::a(const TnArray<double>& values) {
   release(diagonal_);
   const std::int64_t n = n_;  // whose square fits
   const bool has_length = values.size() == static_cast<std::uint64_t>(n * n);
-  TN_ASSERT(kFile, has_length);
   replace(matrix_, values, has_length);
+  TN_ASSERT(kFile, has_length);
 }
 
 void TnLaCholesky::b(const TnArray<double>& values) {
   release(working_rhs_);
   const bool has_length = values.size() == static_cast<std::size_t>(n_);
-  TN_ASSERT(kFile, has_length);
   replace(rhs_, values, has_length);
+  TN_ASSERT(kFile, has_length);
 }
 
 const TnArray<double>& TnLaCholesky::x() {
-  const bool has_matrix = matrix_ != nullptr;
-  const bool is_set = has_matrix && rhs_ != nullptr;
-  TN_ASSERT(kFile, has_matrix);
-  TN_ASSERT(kFile, is_set || !has_matrix);
-  if (!is_set) {
-    clear(solution_);
-    return solution_;
-  }
+  const bool is_set = matrix_ != nullptr && rhs_ != nullptr;
+  if (!is_set) clear(solution_);
+  TN_ASSERT(kFile, is_set);
+  if (!is_set) return solution_;
+
   if (factor_ == nullptr) factor_ok_ = factorize();
   if (working_rhs_ == nullptr) {
     working_rhs_ = new_block(static_cast<std::size_t>(n_));

@@ -21,11 +21,12 @@ namespace tnla_kernels {
 // Rotate, by the angle whose tangent is t:
 //
 //     h = d(q) - d(p)
-//     t = a(p, q) / h                                   if g is lost beside |h|
-//     t = 1 / (|theta| + sqrt(theta^2 + 1))             otherwise, theta = (0.5 * h) / a(p, q); -t if theta
-//     < 0 c = 1 / sqrt(t^2 + 1);  s = t * c;  tau = s / (1 + c);  h = t * a(p, q) z(p) -= h;  z(q) += h;
-//     d(p) -= h;  d(q) += h;  a(p, q) = 0 every other pair (x, y) of a, upper triangle only, and of v, in
-//     columns p and q:
+//     t = a(p, q) / h                                if g is lost beside |h|; otherwise
+//     theta = (0.5 * h) / a(p, q)
+//     t = 1 / (|theta| + sqrt(theta^2 + 1))          with the sign changed if theta < 0
+//     c = 1 / sqrt(t^2 + 1);  s = t * c;  tau = s / (1 + c);  h = t * a(p, q)
+//     z(p) -= h;  z(q) += h;  d(p) -= h;  d(q) += h;  a(p, q) = 0
+//     every other pair (x, y) of a, upper triangle only, and of v, in columns p and q:
 //         x' = x - s * (y + x * tau);   y' = y + s * (x - y * tau)
 bool jacobi(Index n, double* a, Index lda, double* d, double* v, double* b, double* z);
 

@@ -1,6 +1,5 @@
 #include "reflect.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace tnla_kernels {
@@ -52,15 +51,5 @@ void reflect(double up, const double* u, Index incr_u, Index n, double scale, do
     reflect_one(up, u, incr_u, n, scale, pivot[k * stride], range + k * stride, incr);
   }
 }
-
-ColumnReflection::ColumnReflection(double* column, Index n) : u_(column + 1), n_(n) {
-  if (make_reflection(column[0], n, u_, 1, up_)) scale_ = reflection_scale(column[0], up_);
-}
-
-void ColumnReflection::apply(double* w, Index stride, Index n_vec) const {
-  if (scale_ != 0.0) reflect(up_, u_, 1, n_, scale_, w, w + 1, 1, stride, n_vec);
-}
-
-void ColumnReflection::finish() { std::fill_n(u_, n_, 0.0); }
 
 }  // namespace tnla_kernels

@@ -33,23 +33,4 @@ double reflection_scale(double s, double up);
 void reflect(double up, const double* u, Index incr_u, Index n, double scale, double* pivot, double* range,
              Index incr, Index stride, Index n_vec);
 
-// The reflection of a contiguous column, where u stays until it is done with: the pivot is column[0], the
-// range column[1 ... n].  Nothing is copied and nothing allocated.
-class ColumnReflection {
- public:
-  ColumnReflection(double* column, Index n);
-
-  // To n_vec vectors w[0 ... n], `stride` apart.
-  void apply(double* w, Index stride, Index n_vec) const;
-
-  // Zeroes the range; the reflection is gone.
-  void finish();
-
- private:
-  double* u_;
-  Index n_;
-  double up_ = 0.0;
-  double scale_ = 0.0;
-};
-
 }  // namespace tnla_kernels
