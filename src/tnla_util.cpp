@@ -11,6 +11,8 @@
 #include "tnla_util_i.h"
 #include "tnlahouseholder_i.h"
 
+using tnla_kernels::Index;
+
 namespace {
 
 constexpr char kFile[] = "src/tnla_util.cpp";
@@ -79,6 +81,8 @@ struct Jet {
   const double* operator[](std::size_t k) const { return elements + k * rows; }
 };
 
+Index last_derivative(const TnLaDblMat& jet) { return static_cast<Index>(jet.n_cols()) - 1; }
+
 // The first `needed` elements of an array.  Where it ends before that, a copy in which zeros go on.
 const double* zero_extended(const TnArray<double>& a, std::size_t needed, TnArray<double>& copy) {
   if (needed <= a.size()) return a.data();
@@ -141,9 +145,7 @@ std::size_t middle_column(TnOperationBehaviour* behaviour) {
 
 }  // namespace
 
-double tnla_sq_length(tnla_kernels::Index n, const double* x) {
-  return flushed(tnla_kernels::sum_of_squares(n, x));
-}
+double tnla_sq_length(Index n, const double* x) { return flushed(tnla_kernels::sum_of_squares(n, x)); }
 
 double tnla_sq_norm(int n, const double* x, const double* y) {
   if (y == nullptr) return tnla_sq_length(n, x);
@@ -212,14 +214,10 @@ void tnla_ortho_vec(int n, const double* x, double* res) {
 
 void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat& jet, const TnLaDblMat& ref,
                          bool linear_only, int* orientation) {
-  const auto exceeds_order = [order](std::size_t n) {
-    return order < 0 || n > static_cast<std::size_t>(order);
-  };
   TN_ASSERT(kFile, jet.n_rows() == ref.n_rows());
-  TN_ASSERT(kFile, exceeds_order(jet.n_cols()));
-  TN_ASSERT(kFile, exceeds_order(ref.n_cols()));
-  order = static_cast<int>(std::min({tnla_kernels::Index{order}, tnla_kernels::Index{3},
-                                     static_cast<tnla_kernels::Index>(jet.n_cols()) - 1}));
+  TN_ASSERT(kFile, last_derivative(jet) >= order);
+  TN_ASSERT(kFile, last_derivative(ref) >= order);
+  order = static_cast<int>(std::min({Index{order}, Index{3}, last_derivative(jet)}));
   if (order < 1) return;
 
   const std::size_t rows = jet.n_rows();
@@ -233,7 +231,8 @@ void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat&
   if (!linear_only && order >= 2 && !match_components(n, order, c, r, phi)) return;
 
   const std::size_t middle = order >= 3 ? middle_column(behaviour) : 2;
-  double* const x = TnLaAccess::elements(jet);  // after the question, which is the client's code
+  if (jet.n_rows() != rows || last_derivative(jet) < order) return;  // the answer is the client's code
+  double* const x = TnLaAccess::elements(jet);
   double* const c1 = x + rows;
   double* const c2 = c1 + rows;
   double* const c3 = c2 + rows;
