@@ -1,25 +1,7 @@
-# Runs PROGRAM on files that are missing, cut short or wrong: each gets one line that names the file and,
-# where there is one, the line, and a non-zero exit.
+# Certified regression problems that are missing, cut short or wrong.
 
-file(MAKE_DIRECTORY ${SCRATCH})
+include(${CMAKE_CURRENT_LIST_DIR}/../common/bad_input.cmake)
 file(READ ${DATA}/Norris.txt good)
-
-# expect(<exit code> <pattern of the error output> <arguments...>)
-function(expect code pattern)
-  execute_process(COMMAND ${PROGRAM} ${ARGN} RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE errors)
-  if(NOT result EQUAL code OR NOT errors MATCHES "^${pattern}$")
-    message(SEND_ERROR "${ARGN}: exit ${result} (expected ${code}), error output:\n${errors}expected: ${pattern}")
-  endif()
-endfunction()
-
-# expect_refused(<line or empty> <text of the file>)
-function(expect_refused line text)
-  file(WRITE ${SCRATCH}/bad.txt "${text}")
-  if(NOT line STREQUAL "")
-    set(line ":${line}")
-  endif()
-  expect(2 "[^\n]*bad.txt${line}: [^\n]+\n" ${SCRATCH}/bad.txt)
-endfunction()
 
 # What is right.
 expect(0 "" ${DATA}/Norris.txt)
@@ -29,10 +11,7 @@ string(REPLACE "\n" "\r\n" other_line_ends "${good}")
 file(WRITE ${SCRATCH}/good.txt "${other_line_ends}")
 expect(0 "" ${SCRATCH}/good.txt)
 
-# Files that cannot be read.
-expect(2 "[^\n]*no_such_file.txt: [^\n]+\n" ${SCRATCH}/no_such_file.txt)
-expect(2 "[^\n]*bad_input: [^\n]+\n" ${SCRATCH})
-expect_refused("0" "")
+expect_the_usual()
 
 # Cut short anywhere.
 string(LENGTH "${good}" length)
@@ -45,13 +24,6 @@ string(SUBSTRING "${good}" 0 ${last} part)  # all but the last line end
 expect_refused("[0-9]+" "${part}")
 
 # A wrong word on a line that is known.
-function(expect_refused_with line from to)
-  string(REPLACE "${from}" "${to}" text "${good}")
-  if(text STREQUAL good)
-    message(SEND_ERROR "nothing to replace: ${from}")
-  endif()
-  expect_refused("${line}" "${text}")
-endfunction()
 expect_refused_with(24 "338.8 337.4" "338.8 many")
 expect_refused_with(24 "338.8 337.4" "nan 337.4")
 expect_refused_with(24 "338.8 337.4" "338.8 inf")
@@ -72,7 +44,6 @@ expect_refused_with(58 "residual_sd" "# residual_sd")
 expect_refused_with(5 "level" "levle")
 
 # The command line.
-expect(2 "linear_regression: [^\n]+\nusage: [^\n]+\n" --digits)
-expect(2 "linear_regression: [^\n]+\nusage: [^\n]+\n" --digits many ${DATA}/Norris.txt)
-expect(2 "linear_regression: [^\n]+\nusage: [^\n]+\n" --digits 16)
-expect(0 "" --help)
+expect_usage(linear_regression --digits)
+expect_usage(linear_regression --digits many ${DATA}/Norris.txt)
+expect_usage(linear_regression --digits 16)

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "common/text_file.h"
 
 // A regression problem with a certified solution, in the text format of examples/data/nist:
 //
@@ -31,11 +32,6 @@ struct DataSet {
   std::vector<std::vector<double>> predictors;
 
   std::size_t n_observations() const { return response.size(); }
-};
-
-// What is wrong with a file, as "FILE: text" or "FILE:LINE: text".
-struct DataError : std::runtime_error {
-  using std::runtime_error::runtime_error;
 };
 
 // Throws DataError unless the file is whole and says what it should.

@@ -57,5 +57,6 @@ Fit fit(const DataSet& data) {
 double correct_digits(double computed, double truth) {
   const double error = truth == 0.0 ? std::fabs(computed) : std::fabs(computed - truth) / std::fabs(truth);
   if (error == 0.0) return kMostDigits;
+  if (std::isnan(error)) return 0.0;
   return std::min(kMostDigits, -std::log10(error));
 }

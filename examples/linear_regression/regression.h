@@ -15,5 +15,5 @@ struct Fit {
 Fit fit(const DataSet& data);
 
 // The number of digits in which a computed value agrees with the true one: the negative logarithm of the
-// relative error (of the absolute one if the true value is 0), at most 15.
+// relative error (of the absolute one if the true value is 0), at most 15; 0 for a NaN.
 double correct_digits(double computed, double truth);
