@@ -12,7 +12,8 @@
 //
 //  (1) Only the diagonal and the strictly upper triangle of `a` are read.  The strictly upper triangle is
 //      overwritten, and zero if the result is true; the diagonal and the lower triangle stay.
-//  (2) Equal eigenvalues come in the order in which selection finds them: the first one first.
+//  (2) The eigenvalues are sorted by selection: the first of the largest ones left comes next, in exchange
+//      for the one in its place.  So equal ones need not keep their order.
 //  (3) False: 50 sweeps were not enough.  Eigenvalues and vectors are then those of the last sweep,
 //      unsorted.  Convergence is tested before a sweep only, so what converges in the fiftieth is false
 //      too.  A NaN outside the diagonal is false; other NaN and infinities may pass through.

@@ -7,7 +7,7 @@
 
 namespace {
 
-// By selection: of equal values, the first one is taken first.
+// By selection: the first of the largest values left comes next, in exchange for the one in its place.
 void sort_decreasing(std::size_t n, double* d, TnLaDblMat& V) {
   for (std::size_t i = 0; i < n; ++i) {
     std::size_t k = i;
