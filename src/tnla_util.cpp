@@ -224,8 +224,9 @@ void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat&
   const int n = static_cast<int>(rows);
   const Jet c{TnLaAccess::elements(jet), rows};
   TnArray<double> extended;
-  const std::size_t needed = static_cast<std::size_t>(order) * ref.n_rows() + rows;
-  const Jet r{zero_extended(ref.array(), needed, extended), ref.n_rows()};
+  const std::size_t ref_rows = ref.empty() ? rows : ref.n_rows();  // of no columns, any number is nothing
+  const std::size_t needed = static_cast<std::size_t>(order) * ref_rows + rows;
+  const Jet r{zero_extended(ref.array(), needed, extended), ref_rows};
   ParameterChange phi;
   if (!match_speed(n, c, r, orientation, phi)) return;
   if (!linear_only && order >= 2 && !match_components(n, order, c, r, phi)) return;

@@ -11,6 +11,8 @@
 #include "support/trial_worlds.h"
 
 using trial::DenseWorld;
+using trial::expect_all_survive_exhaustion;
+using trial::expect_all_survive_throwing_handlers;
 using trial::SmallWorld;
 
 namespace {
@@ -428,19 +430,6 @@ const std::vector<Small<N>>& refused_small_operations() {
   return operations;
 }
 
-template <class Table>
-void expect_all_survive_exhaustion(const Table& table) {
-  for (const auto& operation : table) trial::expect_survives_exhaustion(operation);
-}
-
-// Each operation of the table fails at least one check.
-template <class Table>
-void expect_all_survive_throwing_handlers(const Table& table) {
-  for (const auto& operation : table) {
-    EXPECT_GE(trial::expect_survives_throwing_handler(operation), 1u) << operation.name;
-  }
-}
-
 }  // namespace
 
 TEST(Allocation, FailuresPassThroughStringsArraysAndJournals) { expect_all_survive_exhaustion(kCore); }
@@ -474,22 +463,7 @@ TEST(Allocation, AHandlerThatThrowsOutOfASolveLosesNothing) {
   });
 }
 
-TEST(Allocation, ASizeThatOverflowsIsExhaustion) {
-  for (const Dense& operation : kTooLarge) {
-    SCOPED_TRACE(operation.name);
-    const std::size_t alive = allocation::alive();
-    {
-      DenseWorld world;
-      const trial::Record inputs = world.inputs();
-      const trial::Record steady = world.steady();
-      EXPECT_THROW(operation.run(world), std::bad_alloc);
-      EXPECT_TRUE(world.inputs().is(inputs));
-      EXPECT_TRUE(world.steady().is(steady));
-      EXPECT_TRUE(world.sound());
-    }
-    EXPECT_EQ(allocation::alive(), alive);
-  }
-}
+TEST(Allocation, ASizeThatOverflowsIsExhaustion) { trial::expect_all_are_exhaustion(kTooLarge); }
 
 // Where a copy comes first, or only storage is exchanged, the matrix is as it was.
 TEST(Allocation, EditingWithoutACopyLeavesTheMatrixAsItWas) {

@@ -11,7 +11,7 @@ endfunction()
 # What an exported name may begin with, after the return type of a function template.
 set(tn "(vtable for |typeinfo for |typeinfo name for )?Tn|tn_|tnEndExpr|kit_assertion_handler")
 set(tnla "(vtable for |typeinfo for |typeinfo name for )?TnLa|(bool |void )?tnla_|operator\\*\\(double")
-set(hidden "TnLaTHFTIDecompo|TnLaAccess|TnLaDebugLayout|TnLaBand|TnLaExceptional|tnla_kernels|tnla_solve_|tnla_element_or_null|tnla_sq_length|::TnLaTQRDecompo\\(\\)")
+set(hidden "TnLaTHFTIDecompo|TnLaAccess|TnLaDebugLayout|TnLaBand|TnLaExceptional|TnLaColumnReflection|tnla_kernels|tnla_solve_|tnla_element_or_null|tnla_sq_length|::TnLaTQRDecompo\\(\\)|TnLaCholesky::(factorize|substitute|solve_without_factor|init)")
 
 exported_names(${TN} tn_names)
 exported_names(${TNLA} tnla_names)
@@ -32,6 +32,15 @@ foreach(n RANGE 1 12)
   foreach(name "${mat}::sq_norm\\(\\) const" "TnLaTSmallVec<${n}, double>::ort\\(\\) const"
                "TnLaTQRDecompo<${mat} >::solve" "bool tnla_linearsolve<${mat} >" "void tnla_linearsolve<${mat} >")
     if(NOT "${tnla_names}" MATCHES "(^|;)${name}")
+      message(SEND_ERROR "TARNtnla does not show ${name}")
+    endif()
+  endforeach()
+endforeach()
+
+# What no client of ours needs: the table and the type of the classes that one may derive from.
+foreach(class TnLaBlkBndSolver TnLaCholesky TnLaHouseholder)
+  foreach(name "vtable for ${class}" "typeinfo for ${class}" "typeinfo name for ${class}")
+    if(NOT "${tnla_names}" MATCHES "(^|;)${name}(;|$)")
       message(SEND_ERROR "TARNtnla does not show ${name}")
     endif()
   endforeach()

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/band_client.h"
 #include "support/bits.h"
 #include "support/values.h"
 #include "tarntnla.h"
@@ -34,7 +35,8 @@ class Outcome {
     add(static_cast<double>(m.n_rows()));
     add(m.array().data(), m.array().size());
   }
-  void add(const TnLaDblVec& v) { add(v.array().data(), v.array().size()); }
+  void add(const TnArray<double>& a) { add(a.data(), a.size()); }
+  void add(const TnLaDblVec& v) { add(v.array()); }
   void add(const std::string& text) {
     for (const char c : text) add(static_cast<double>(c));
   }
@@ -112,6 +114,39 @@ void work_on_solvers(Random& random, Outcome& out) {
   out.add(X);
 }
 
+void work_on_special_solvers(Random& random, Outcome& out) {
+  const TnLaDblMat R = matrix(random, 6, 6);
+  TnLaDblMat A = R * R.tr() + TnLaDblMat(6, 6, 1.0);  // positive definite
+  TnLaCholesky cholesky(6);
+  cholesky.a(A.array());
+  cholesky.b(vector(random, 6).array());
+  out.add(cholesky.x());
+  cholesky.a((-A).array());
+  out.add(cholesky.x());
+  TnArray<double> eigenvalues;
+  TnLaDblMat V;
+  out.add(tnla_eigenvector_basis(A, eigenvalues, V));
+  out.add(eigenvalues);
+  out.add(V);
+  TnOperationBehaviour behaviour;
+  int orientation = 0;
+  TnLaDblMat jet = matrix(random, 3, 4);
+  tnla_util_adapt_jet(&behaviour, 3, jet, matrix(random, 3, 4), false, &orientation);
+  out.add(jet);
+  out.add(orientation);
+  TnLaDblMat X;
+  const std::uint64_t seed = random.below(1000000);
+  out.add(BandClient(8, Chain::open, Fault::none, seed).solve(X));
+  out.add(X);
+  out.add(BandClient(8, Chain::closed, Fault::none, seed).solve(X));
+  out.add(X);
+  const BandClient chain(20, Chain::closed, Fault::none, seed);
+  for (int round = 0; round < 2; ++round) {  // the second uses the work matrix of the first
+    out.add(chain.solve(X));
+    out.add(X);
+  }
+}
+
 void work_on_kernels(Random& random, Outcome& out) {
   std::vector<double> u = random.vector(11);
   const std::vector<double> w = random.vector(11);
@@ -187,6 +222,19 @@ void work_on_refusals(Random& random, Outcome& out) {
   TnLaTSmallVec<3, double> small_vector;
   small_vector.resize(4, true);
   out.add(small.col_vec(3));
+  TnLaCholesky cholesky(3);
+  cholesky.a(A.array());
+  cholesky.b(x.array());
+  out.add(cholesky.x());
+  TnLaDblMat tall = A;
+  out.add(tnla_eigenvector_basis(tall, array, X));
+  out.add(array);
+  TnLaDblMat jet = A;
+  tnla_util_adapt_jet(nullptr, 3, jet, A.tr(), false, nullptr);
+  out.add(jet);
+  out.add(BandClient(8, Chain::open, Fault::too_many_rows).solve(X));
+  out.add(BandClient(8, Chain::closed, Fault::none_exceptional, random.below(1000000)).solve(X));
+  out.add(X);
   TnResult result;
   TnLaErr::make_result(TnResult::CodeID::error, static_cast<TnLaErr::ErrorNumber>(19), result);
   out.add(TnLaErr::error_number(result));
@@ -197,6 +245,7 @@ Outcome work(std::uint64_t seed) {
   Outcome out;
   work_on_dense(random, out);
   work_on_solvers(random, out);
+  work_on_special_solvers(random, out);
   work_on_kernels(random, out);
   work_on_small<1>(random, out);
   work_on_small<2>(random, out);

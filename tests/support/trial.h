@@ -232,4 +232,41 @@ std::size_t expect_survives_throwing_handler(const Operation<World>& operation) 
   return kMostPlaces;
 }
 
+// --- Whole tables ----------------------------------------------------------------------------------------
+
+template <class Table>
+void expect_all_survive_exhaustion(const Table& table) {
+  for (const auto& operation : table) expect_survives_exhaustion(operation);
+}
+
+// Each operation of the table fails at least one check.
+template <class Table>
+void expect_all_survive_throwing_handlers(const Table& table) {
+  for (const auto& operation : table) {
+    EXPECT_GE(expect_survives_throwing_handler(operation), 1u) << operation.name;
+  }
+}
+
+template <class World>
+void expect_is_exhaustion(const Operation<World>& operation) {
+  SCOPED_TRACE(operation.name);
+  const std::size_t alive = allocation::alive();
+  {
+    World world;
+    const Record inputs = world.inputs();
+    const Record steady = world.steady();
+    EXPECT_THROW(operation.run(world), std::bad_alloc);
+    EXPECT_TRUE(world.inputs().is(inputs));
+    EXPECT_TRUE(world.steady().is(steady));
+    EXPECT_TRUE(world.sound());
+  }
+  EXPECT_EQ(allocation::alive(), alive);
+}
+
+// Each operation of the table asks for more memory than there can be.
+template <class Table>
+void expect_all_are_exhaustion(const Table& table) {
+  for (const auto& operation : table) expect_is_exhaustion(operation);
+}
+
 }  // namespace trial
