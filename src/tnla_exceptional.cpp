@@ -179,14 +179,15 @@ class Elimination {
     const TnLaDblMat& G = triangle_.G();
     const Index n = triangle_.n();
     const auto ld = static_cast<Index>(G.n_rows());
-    for (Index k = 0; k < n_rhs(); ++k) {
-      double* const column = TnLaAccess::elements(x) + k * n;
-      for (Index v = n_eliminated_ - 1; v >= 0; --v) {
-        const double* const row = TnLaAccess::elements(G) + v;
+    for (Index v = n_eliminated_ - 1; v >= 0; --v) {
+      const double* const row = TnLaAccess::elements(G) + v;
+      const double* const coupled_row = TnLaAccess::elements(coupling_) + v;
+      for (Index k = 0; k < n_rhs(); ++k) {
         if (std::fabs(row[0]) < kSmallestBandDiagonal) return false;
+        double* const column = TnLaAccess::elements(x) + k * n;
         const double in_band = tnla_kernels::dot(bandwidth() - 1, column + v + 1, row + ld, ld);
-        const double coupled = tnla_kernels::dot(bandwidth(), column + n - bandwidth(),
-                                                 TnLaAccess::elements(coupling_) + v, n_eliminated_);
+        const double coupled =
+            tnla_kernels::dot(bandwidth(), column + n - bandwidth(), coupled_row, n_eliminated_);
         column[v] = (row[(bandwidth() + k) * ld] - in_band - coupled) / row[0];
       }
     }

@@ -75,8 +75,7 @@ inline bool is_sound(const TnLaDblMat& m) {
   return m.array().size() == m.n_rows() * m.n_cols() && has_zero_tail(m.array());
 }
 
-// --- Dense matrices and vectors, arrays, strings, reflections
-// -----------------------------------------------
+// --- Dense matrices and vectors, arrays, strings, reflections ----------------------------------------
 
 struct DenseWorld {
   const TnLaDblMat A = random_matrix(3, 3, 1), B = random_matrix(3, 3, 2), big = random_matrix(7, 7, 3),
@@ -159,8 +158,7 @@ struct DenseWorld {
   }
 };
 
-// --- Small matrices and vectors
-// ------------------------------------------------------------------------------
+// --- Small matrices and vectors ----------------------------------------------------------------------
 
 template <int N>
 struct SmallWorld {
