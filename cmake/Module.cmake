@@ -3,29 +3,36 @@
 function(tarn_module name header_dir)
   add_library(${name} SHARED ${ARGN})
   add_library(TARN::${name} ALIAS ${name})
+  tarn_compiles_as_we_do(${name})
   set_target_properties(${name} PROPERTIES
     OUTPUT_NAME TARN${name}
     INSTALL_RPATH $ORIGIN  # one module finds the other beside it, also where a client links to one alone
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}
-    CXX_STANDARD 20
-    CXX_STANDARD_REQUIRED ON
-    CXX_EXTENSIONS OFF
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
+    SOVERSION ${PROJECT_VERSION_MAJOR})
   target_compile_features(${name} INTERFACE cxx_std_17)
   target_include_directories(${name}
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/${header_dir}>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarntnla>
     PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  tarn_warnings(${name})
-  tarn_floating_point(${name})
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(${name} PRIVATE -fno-gnu-unique)  # a unique symbol would keep dlclose from unloading
-  endif()
   target_link_options(${name} PRIVATE LINKER:-z,relro,-z,now)
   if(NOT TARN_SANITIZED)  # a sanitizer's runtime is found by the program, not by the module
     target_link_options(${name} PRIVATE LINKER:--no-undefined)
+  endif()
+endfunction()
+
+# How all that goes into a module is compiled.
+function(tarn_compiles_as_we_do target)
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_STANDARD 20
+    CXX_STANDARD_REQUIRED ON
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  tarn_warnings(${target})
+  tarn_floating_point(${target})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fno-gnu-unique)  # a unique symbol would keep dlclose from unloading
   endif()
 endfunction()
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "kernels/index.h"
-#include "kernels/reflect.h"
+#include "kernels/kernel_set.h"
 #include "tnarray_i.h"
 #include "tnla_matrix_vector_i.h"
 #include "tnlahouseholder_i.h"
@@ -25,7 +25,8 @@ struct TnLaAccess {
     const tnla_kernels::Index range = static_cast<tnla_kernels::Index>(h.u_.size()) - h.j_zero_;
     if (range == 0 || h.scale_ == 0.0) return;
     const double* const u = h.u_.data();
-    tnla_kernels::reflect(u[h.j_pivot_], u + h.j_zero_, 1, range, h.scale_, w + h.j_pivot_ * incr,
-                          w + h.j_zero_ * incr, incr, stride, static_cast<tnla_kernels::Index>(n_vec));
+    tnla_kernels::best.reflection.reflect(u[h.j_pivot_], u + h.j_zero_, 1, range, h.scale_,
+                                          w + h.j_pivot_ * incr, w + h.j_zero_ * incr, incr, stride,
+                                          static_cast<tnla_kernels::Index>(n_vec));
   }
 };

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kernels/reflect.h"
+#include "kernels/kernel_set.h"
 
 // What constructing a TnLaHouseholder on a column and applying it does, without a copy of u: the reflection
 // of the column[0 ... n], whose range stays u until finish().
@@ -11,14 +11,15 @@ class TnLaColumnReflection {
   using Index = tnla_kernels::Index;
 
   TnLaColumnReflection(double* column, Index n) : u_(column + 1), n_(n) {
-    if (tnla_kernels::make_reflection(column[0], n, u_, 1, up_)) {
+    if (tnla_kernels::best.reflection.make(column[0], n, u_, 1, up_)) {
       scale_ = tnla_kernels::reflection_scale(column[0], up_);
     }
   }
 
   // To n_vec vectors w[0 ... n], `stride` apart.
   void apply(double* w, Index stride, Index n_vec) const {
-    if (scale_ != 0.0) tnla_kernels::reflect(up_, u_, 1, n_, scale_, w, w + 1, 1, stride, n_vec);
+    if (scale_ != 0.0)
+      tnla_kernels::best.reflection.reflect(up_, u_, 1, n_, scale_, w, w + 1, 1, stride, n_vec);
   }
 
   // Zeroes the range.

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "kernels/jacobi.h"
+#include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnla_eigenvector_basis_i.h"
 
@@ -39,8 +39,8 @@ bool tnla_eigenvector_basis(TnLaDblMat& a, TnArray<double>& eigenvalues, TnLaDbl
   TnArray<double> z;
   z.set_size(n, false);
   const auto size = static_cast<tnla_kernels::Index>(n);
-  if (!tnla_kernels::jacobi(size, TnLaAccess::elements(a), size, eigenvalues.data(),
-                            TnLaAccess::elements(vectors), b.data(), z.data())) {
+  if (!tnla_kernels::best.jacobi.diagonalize(size, TnLaAccess::elements(a), size, eigenvalues.data(),
+                                             TnLaAccess::elements(vectors), b.data(), z.data())) {
     return false;
   }
   sort_decreasing(n, eigenvalues.data(), vectors);

@@ -5,8 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "kernels/elementwise.h"
-#include "kernels/product.h"
+#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
 #include "tnarraydebug.h"
 #include "tnla_access.h"
@@ -258,7 +257,7 @@ void TnLaDblMat::coilup_cols(std::size_t n) {
   const Index rows = static_cast<Index>(n_rows_);
   for (std::size_t c = n; n_rows_ > 0 && c < n_cols_; ++c) {
     double* const target = data() + (c % n) * n_rows_;
-    tnla_kernels::add(rows, target, data() + c * n_rows_, target);
+    tnla_kernels::best.elementwise.add(rows, target, data() + c * n_rows_, target);
   }
   resize(n_rows_, n, true);
 }
@@ -343,13 +342,13 @@ TnLaDblVec TnLaDblMat::col_vec(std::size_t j) const {
 TnLaDblMat TnLaDblMat::operator+(const TnLaDblMat& B) const {
   const bool fit = same_filled_shape(*this, B);
   TN_ASSERT(kFile, fit);
-  return fit ? combined(*this, B, tnla_kernels::add) : TnLaDblMat();
+  return fit ? combined(*this, B, tnla_kernels::best.elementwise.add) : TnLaDblMat();
 }
 
 TnLaDblMat TnLaDblMat::operator-(const TnLaDblMat& B) const {
   const bool fit = same_filled_shape(*this, B);
   TN_ASSERT(kFile, fit);
-  return fit ? combined(*this, B, tnla_kernels::subtract) : TnLaDblMat();
+  return fit ? combined(*this, B, tnla_kernels::best.elementwise.subtract) : TnLaDblMat();
 }
 
 TnLaDblMat TnLaDblMat::operator*(double s) const {
@@ -357,7 +356,7 @@ TnLaDblMat TnLaDblMat::operator*(double s) const {
   TN_ASSERT(kFile, filled);
   if (!filled) return {0, 1, 0.0};
   TnLaDblMat result(n_rows_, n_cols_, 0.0);
-  tnla_kernels::scale(length(array_), data(), s, result.data());
+  tnla_kernels::best.elementwise.scale(length(array_), data(), s, result.data());
   return result;
 }
 
@@ -382,13 +381,13 @@ TnLaDblVec TnLaDblMat::operator*(const TnLaDblVec& x) const {
 void TnLaDblMat::operator+=(const TnLaDblMat& B) {
   const bool fit = same_filled_shape(*this, B);
   TN_ASSERT(kFile, fit);
-  if (fit) tnla_kernels::add(length(array_), data(), B.data(), data());
+  if (fit) tnla_kernels::best.elementwise.add(length(array_), data(), B.data(), data());
 }
 
 void TnLaDblMat::operator-=(const TnLaDblMat& B) {
   const bool fit = same_filled_shape(*this, B);
   TN_ASSERT(kFile, fit);
-  if (fit) tnla_kernels::subtract(length(array_), data(), B.data(), data());
+  if (fit) tnla_kernels::best.elementwise.subtract(length(array_), data(), B.data(), data());
 }
 
 void TnLaDblMat::operator*=(const double& s) {
@@ -396,7 +395,7 @@ void TnLaDblMat::operator*=(const double& s) {
   TN_ASSERT(kFile, filled);
   if (!filled) return;
   const double factor = s;  // s may be an element that is about to change
-  tnla_kernels::scale(length(array_), data(), factor, data());
+  tnla_kernels::best.elementwise.scale(length(array_), data(), factor, data());
 }
 
 void TnLaDblMat::operator*=(const TnLaDblMat& B) {
@@ -481,13 +480,13 @@ void TnLaDblVec::swap(TnLaDblVec& other) {
 TnLaDblVec TnLaDblVec::operator+(const TnLaDblVec& y) const {
   const bool fit = same_filled_dim(*this, y);
   TN_ASSERT(kFile, fit);
-  return fit ? combined(*this, y, tnla_kernels::add) : TnLaDblVec();
+  return fit ? combined(*this, y, tnla_kernels::best.elementwise.add) : TnLaDblVec();
 }
 
 TnLaDblVec TnLaDblVec::operator-(const TnLaDblVec& y) const {
   const bool fit = same_filled_dim(*this, y);
   TN_ASSERT(kFile, fit);
-  return fit ? combined(*this, y, tnla_kernels::subtract) : TnLaDblVec();
+  return fit ? combined(*this, y, tnla_kernels::best.elementwise.subtract) : TnLaDblVec();
 }
 
 TnLaDblVec TnLaDblVec::operator*(const double& s) const {
@@ -495,7 +494,7 @@ TnLaDblVec TnLaDblVec::operator*(const double& s) const {
   TN_ASSERT(kFile, filled);
   if (!filled) return {};
   TnLaDblVec result = zeros(array_.size());
-  tnla_kernels::scale(length(array_), data(), s, result.data());
+  tnla_kernels::best.elementwise.scale(length(array_), data(), s, result.data());
   return result;
 }
 
@@ -508,13 +507,13 @@ double TnLaDblVec::operator%(const TnLaDblVec& y) const { return tnla_scalprod(*
 void TnLaDblVec::operator+=(const TnLaDblVec& y) {
   const bool fit = same_filled_dim(*this, y);
   TN_ASSERT(kFile, fit);
-  if (fit) tnla_kernels::add(length(array_), data(), y.data(), data());
+  if (fit) tnla_kernels::best.elementwise.add(length(array_), data(), y.data(), data());
 }
 
 void TnLaDblVec::operator-=(const TnLaDblVec& y) {
   const bool fit = same_filled_dim(*this, y);
   TN_ASSERT(kFile, fit);
-  if (fit) tnla_kernels::subtract(length(array_), data(), y.data(), data());
+  if (fit) tnla_kernels::best.elementwise.subtract(length(array_), data(), y.data(), data());
 }
 
 void TnLaDblVec::operator*=(const double& s) {
@@ -522,7 +521,7 @@ void TnLaDblVec::operator*=(const double& s) {
   TN_ASSERT(kFile, filled);
   if (!filled) return;
   const double factor = s;  // s may be an element that is about to change
-  tnla_kernels::scale(length(array_), data(), factor, data());
+  tnla_kernels::best.elementwise.scale(length(array_), data(), factor, data());
 }
 
 void TnLaDblVec::operator*=(const TnLaDblMat& A) {
@@ -543,7 +542,7 @@ void TnLaDblVec::normalize() {
   if (q == 0.0) {
     initialize(0.0);
   } else {
-    tnla_kernels::scale(length(array_), data(), 1.0 / std::sqrt(q), data());
+    tnla_kernels::best.elementwise.scale(length(array_), data(), 1.0 / std::sqrt(q), data());
   }
 }
 
@@ -593,15 +592,16 @@ void tnla_mat_mat_prod(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& C) 
 
 void tnla_mat_mat_prod(std::size_t m, std::size_t k, std::size_t n, const double* A, const double* B,
                        double* C) {
-  tnla_kernels::product(static_cast<Index>(m), static_cast<Index>(k), static_cast<Index>(n), A, B, C);
+  tnla_kernels::best.product.product(static_cast<Index>(m), static_cast<Index>(k), static_cast<Index>(n), A,
+                                     B, C);
 }
 
 void tnla_mat_mat_prod(std::size_t m, std::size_t k, std::size_t n, const double* A, const double* B,
                        double* C, int a_row_step, int a_col_step, int b_row_step, int b_col_step,
                        int c_row_step, int c_col_step) {
-  tnla_kernels::strided_product(static_cast<Index>(m), static_cast<Index>(k), static_cast<Index>(n), A,
-                                {a_row_step, a_col_step}, B, {b_row_step, b_col_step}, C,
-                                {c_row_step, c_col_step});
+  tnla_kernels::best.product.strided_product(static_cast<Index>(m), static_cast<Index>(k),
+                                             static_cast<Index>(n), A, {a_row_step, a_col_step}, B,
+                                             {b_row_step, b_col_step}, C, {c_row_step, c_col_step});
 }
 
 void tnla_mat_vec_prod(const TnLaDblMat& A, const TnLaDblVec& x, TnLaDblVec& y) {
@@ -612,8 +612,8 @@ void tnla_mat_vec_prod(const TnLaDblMat& A, const TnLaDblVec& x, TnLaDblVec& y) 
     return;
   }
   TnLaAccess::array(y).set_size(A.n_rows(), true);
-  tnla_kernels::matrix_vector(static_cast<Index>(A.n_rows()), static_cast<Index>(A.n_cols()),
-                              A.array().data(), x.array().data(), TnLaAccess::elements(y));
+  tnla_kernels::best.product.matrix_vector(static_cast<Index>(A.n_rows()), static_cast<Index>(A.n_cols()),
+                                           A.array().data(), x.array().data(), TnLaAccess::elements(y));
 }
 
 double tnla_scalprod(const TnLaDblVec& x, const TnLaDblVec& y, bool norm_x, bool norm_y) {
@@ -631,6 +631,6 @@ void tnla_lincomb(const TnLaDblVec& x, double a, const TnLaDblVec& y, double b, 
     return;
   }
   TnLaAccess::array(z).set_size(x.array().size(), false);
-  tnla_kernels::combine(length(x.array()), x.array().data(), a, y.array().data(), b,
-                        TnLaAccess::elements(z));
+  tnla_kernels::best.elementwise.combine(length(x.array()), x.array().data(), a, y.array().data(), b,
+                                         TnLaAccess::elements(z));
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kernels/elementwise.h"
+#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
 #include "tnla_access.h"
 #include "tnla_i.h"
@@ -46,7 +46,7 @@ double unit_coefficient(double a, bool unit, int n, const double* x) {
 // res = res / |x|; zero if x is numerically zero.
 void scale_by_unit(int n, const double* x, double* res) {
   const double q = tnla_sq_length(n, x);
-  tnla_kernels::scale(n, res, q > 0.0 ? 1.0 / std::sqrt(q) : q, res);
+  tnla_kernels::best.elementwise.scale(n, res, q > 0.0 ? 1.0 / std::sqrt(q) : q, res);
 }
 
 void crossprod_3(const double* u, const double* w, double* res) {
@@ -167,7 +167,7 @@ void tnla_lincomb(int n, const double* x, double a, const double* y, double b, d
                   bool unit_y, bool unit_res) {
   const double ax = unit_coefficient(a, unit_x, n, x);
   const double by = unit_coefficient(b, unit_y, n, y);
-  tnla_kernels::combine(n, x, ax, y, by, res);
+  tnla_kernels::best.elementwise.combine(n, x, ax, y, by, res);
   if (unit_res) tnla_normalize(n, res);
 }
 
@@ -191,7 +191,7 @@ double tnla_normalize(int n, double* x) {
     return 0.0;
   }
   const double length = std::sqrt(q);
-  tnla_kernels::divide(n, x, length, x);
+  tnla_kernels::best.elementwise.divide(n, x, length, x);
   return length;
 }
 
@@ -207,7 +207,7 @@ void tnla_ortho_vec(int n, const double* x, double* res) {
   for (int i = 1; i < n; ++i) {
     if (std::fabs(x[k]) > std::fabs(x[i])) k = i;
   }
-  tnla_kernels::scale(n, x, -x[k] / q, res);
+  tnla_kernels::best.elementwise.scale(n, x, -x[k] / q, res);
   res[k] += 1.0;
   tnla_normalize(n, res);
 }
@@ -244,5 +244,5 @@ void tnla_util_adapt_jet(TnOperationBehaviour* behaviour, int order, TnLaDblMat&
     tnla_lincomb(n, c3, 1.0, c1, phi.mu3, c3);
   }
   if (order >= 2) tnla_lincomb(n, c2, square, c1, phi.mu2, c2);
-  tnla_kernels::scale(n, c1, phi.lambda, c1);
+  tnla_kernels::best.elementwise.scale(n, c1, phi.lambda, c1);
 }

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "kernels/cholesky.h"
+#include "kernels/kernel_set.h"
 #include "tnla_linearsolve_i.h"
 #include "tnlacholesky_i.h"
 
@@ -92,14 +92,14 @@ bool TnLaCholesky::factorize() {
   init(diagonal_, n_);
   if (factor_ == nullptr) factor_ = new_block(n * n);
   std::copy_n(matrix_, n * n, factor_);
-  return tnla_kernels::cholesky(n_, matrix_, factor_, diagonal_);
+  return tnla_kernels::best.cholesky.factor(n_, matrix_, factor_, diagonal_);
 }
 
 void TnLaCholesky::substitute() {
   const std::size_t n = static_cast<std::size_t>(n_);
   if (solution_.capacity() != n) solution_.set_capacity(n, true);
   solution_.set_size(n, true);
-  tnla_kernels::cholesky_solve(n_, factor_, diagonal_, working_rhs_, solution_.data());
+  tnla_kernels::best.cholesky.solve(n_, factor_, diagonal_, working_rhs_, solution_.data());
 }
 
 void TnLaCholesky::solve_without_factor() {

@@ -1,6 +1,6 @@
 #include <limits>
 
-#include "kernels/reflect.h"
+#include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnlahouseholder_i.h"
 
@@ -23,8 +23,8 @@ int indented(int indent) {
 void tnla_h1(int j_pivot, int j_zero, int n, double* v, int incr, double& up) {
   TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
   if (j_zero == n) return;
-  tnla_kernels::make_reflection(v[Index{j_pivot} * incr], Index{n} - j_zero, v + Index{j_zero} * incr, incr,
-                                up);
+  tnla_kernels::best.reflection.make(v[Index{j_pivot} * incr], Index{n} - j_zero, v + Index{j_zero} * incr,
+                                     incr, up);
 }
 
 void tnla_h2(int j_pivot, int j_zero, int n, const double* u, int incr_u, const double& up, double* c,
@@ -34,8 +34,9 @@ void tnla_h2(int j_pivot, int j_zero, int n, const double* u, int incr_u, const 
   const double pivot_entry = up;
   const double product = u[Index{j_pivot} * incr_u] * pivot_entry;
   if (tnla_kernels::kNoReflection > -product) return;  // this way round, so that a NaN goes on
-  tnla_kernels::reflect(pivot_entry, u + Index{j_zero} * incr_u, incr_u, Index{n} - j_zero, 1.0 / product,
-                        c + Index{j_pivot} * incr_c, c + Index{j_zero} * incr_c, incr_c, stride_vec, n_vec);
+  tnla_kernels::best.reflection.reflect(pivot_entry, u + Index{j_zero} * incr_u, incr_u, Index{n} - j_zero,
+                                        1.0 / product, c + Index{j_pivot} * incr_c,
+                                        c + Index{j_zero} * incr_c, incr_c, stride_vec, n_vec);
 }
 
 TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int incr)

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kernels/triangular.h"
+#include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnla_instances.h"
 #include "tnla_reflections.h"
@@ -98,8 +98,9 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
 
   double* const x = TnLaAccess::elements(X);
   for (std::size_t c = 0; c < W.n_cols(); ++c) std::copy_n(w + c * ldw, n, x + c * n);
-  tnla_kernels::back_substitute(static_cast<Index>(n), TnLaAccess::elements(*R_), static_cast<Index>(m), x,
-                                static_cast<Index>(n), static_cast<Index>(W.n_cols()));
+  tnla_kernels::best.triangular.back_substitute(static_cast<Index>(n), TnLaAccess::elements(*R_),
+                                                static_cast<Index>(m), x, static_cast<Index>(n),
+                                                static_cast<Index>(W.n_cols()));
   return true;
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
-#include "kernels/triangular.h"
 #include "tnla_access.h"
 #include "tnla_instances.h"
 #include "tnla_reflections.h"
@@ -144,8 +144,8 @@ void TnLaTHFTIDecompo<M>::solve(const M& B, M& X) const {
   }
 
   for (std::size_t c = 0; c < p; ++c) std::copy_n(w + c * m, rank_, x + c * n);
-  tnla_kernels::back_substitute(rank_, TnLaAccess::elements(*A_), static_cast<Index>(m), x,
-                                static_cast<Index>(n), static_cast<Index>(p));
+  tnla_kernels::best.triangular.back_substitute(rank_, TnLaAccess::elements(*A_), static_cast<Index>(m), x,
+                                                static_cast<Index>(n), static_cast<Index>(p));
   for (std::size_t i = right_.size(); i-- > 0;) {  // the free unknowns are still zero
     TnLaAccess::reflect(*right_[i], x, 1, static_cast<Index>(n), p);
   }

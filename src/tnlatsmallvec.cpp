@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "kernels/elementwise.h"
+#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
 #include "tnarraydebug.h"
 #include "tnla_debug.h"
@@ -27,21 +27,21 @@ TnLaTSmallVec<N, T>::TnLaTSmallVec(const TnArray<double>& a) {
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator*(const double& s) const {
   TnLaTSmallVec result;
-  tnla_kernels::scale(N, elements_, s, result.elements_);
+  tnla_kernels::best.elementwise.scale(N, elements_, s, result.elements_);
   return result;
 }
 
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator+(const TnLaTSmallVec& other) const {
   TnLaTSmallVec result;
-  tnla_kernels::add(N, elements_, other.elements_, result.elements_);
+  tnla_kernels::best.elementwise.add(N, elements_, other.elements_, result.elements_);
   return result;
 }
 
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator-(const TnLaTSmallVec& other) const {
   TnLaTSmallVec result;
-  tnla_kernels::subtract(N, elements_, other.elements_, result.elements_);
+  tnla_kernels::best.elementwise.subtract(N, elements_, other.elements_, result.elements_);
   return result;
 }
 
@@ -52,17 +52,17 @@ TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator-() const {
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator*=(double s) {
-  tnla_kernels::scale(N, elements_, s, elements_);
+  tnla_kernels::best.elementwise.scale(N, elements_, s, elements_);
 }
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator+=(const TnLaTSmallVec& other) {
-  tnla_kernels::add(N, elements_, other.elements_, elements_);
+  tnla_kernels::best.elementwise.add(N, elements_, other.elements_, elements_);
 }
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator-=(const TnLaTSmallVec& other) {
-  tnla_kernels::subtract(N, elements_, other.elements_, elements_);
+  tnla_kernels::best.elementwise.subtract(N, elements_, other.elements_, elements_);
 }
 
 template <int N, class T>

@@ -2,7 +2,9 @@
 
 #include <cmath>
 
-namespace tnla_kernels {
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
@@ -22,8 +24,6 @@ void reduced_column(Index j, Index n, const double* a, double* l, double pivot) 
   }
   for (Index i = j + 1; i < n; ++i) column[i] /= pivot;
 }
-
-}  // namespace
 
 bool cholesky(Index n, const double* a, double* l, double* diagonal) {
   for (Index j = 0; j < n; ++j) {
@@ -48,4 +48,8 @@ void cholesky_solve(Index n, const double* l, const double* diagonal, const doub
   }
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+CholeskyKernels cholesky_kernels() { return {cholesky, cholesky_solve}; }
+
+}  // namespace tnla_kernels::TNLA_SET

@@ -1,6 +1,10 @@
 #include "elementwise.h"
 
-namespace tnla_kernels {
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
+
+namespace {
 
 void add(Index n, const double* x, const double* y, double* out) {
   for (Index i = 0; i < n; ++i) out[i] = x[i] + y[i];
@@ -22,4 +26,8 @@ void combine(Index n, const double* x, double a, const double* y, double b, doub
   for (Index i = 0; i < n; ++i) out[i] = a * x[i] + b * y[i];
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+ElementwiseKernels elementwise_kernels() { return {add, subtract, scale, divide, combine}; }
+
+}  // namespace tnla_kernels::TNLA_SET

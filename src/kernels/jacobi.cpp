@@ -1,9 +1,10 @@
 #include "jacobi.h"
 
-#include <algorithm>
 #include <cmath>
 
-namespace tnla_kernels {
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
@@ -127,10 +128,12 @@ class Iteration {
   double* z_;  // what the sweep adds to it
 };
 
-}  // namespace
-
 bool jacobi(Index n, double* a, Index lda, double* d, double* v, double* b, double* z) {
   return Iteration(n, a, lda, d, v, b, z).run();
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+JacobiKernels jacobi_kernels() { return {jacobi}; }
+
+}  // namespace tnla_kernels::TNLA_SET

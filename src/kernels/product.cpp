@@ -1,12 +1,14 @@
 #include "product.h"
 
-#include <algorithm>
+#include "simd.h"
 
-namespace tnla_kernels {
+namespace tnla_kernels::TNLA_SET {
+
+namespace {
 
 // Column by column of A: the sums of all rows grow side by side, and A is read in storage order.
 void matrix_vector(Index m, Index n, const double* a, const double* x, double* y) {
-  std::fill_n(y, m, 0.0);
+  for (Index i = 0; i < m; ++i) y[i] = 0.0;
   for (Index l = 0; l < n; ++l) {
     const double* const column = a + l * m;
     const double factor = x[l];
@@ -34,4 +36,8 @@ void strided_product(Index m, Index k, Index n, const double* a, Steps sa, const
   }
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+ProductKernels product_kernels() { return {matrix_vector, product, strided_product}; }
+
+}  // namespace tnla_kernels::TNLA_SET

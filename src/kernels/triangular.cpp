@@ -1,6 +1,10 @@
 #include "triangular.h"
 
-namespace tnla_kernels {
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
+
+namespace {
 
 void back_substitute(Index n, const double* r, Index ldr, double* x, Index ldx, Index n_rhs) {
   for (Index c = 0; c < n_rhs; ++c) {
@@ -13,4 +17,8 @@ void back_substitute(Index n, const double* r, Index ldr, double* x, Index ldx, 
   }
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+TriangularKernels triangular_kernels() { return {back_substitute}; }
+
+}  // namespace tnla_kernels::TNLA_SET

@@ -1,8 +1,12 @@
-#include "reflect.h"
+#include "reflection.h"
 
 #include <cmath>
 
-namespace tnla_kernels {
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
+
+namespace {
 
 bool make_reflection(double& pivot, Index n, const double* range, Index incr, double& up) {
   double largest = std::fabs(pivot);
@@ -25,14 +29,6 @@ bool make_reflection(double& pivot, Index n, const double* range, Index incr, do
   return true;
 }
 
-double reflection_scale(double s, double up) {
-  const double product = s * up;
-  if (kNoReflection > -product) return 0.0;  // written this way round so that a NaN goes on
-  return 1.0 / product;
-}
-
-namespace {
-
 void reflect_one(double up, const double* u, Index incr_u, Index n, double scale, double& pivot,
                  double* range, Index incr) {
   double sum = pivot * up;
@@ -43,8 +39,6 @@ void reflect_one(double up, const double* u, Index incr_u, Index n, double scale
   for (Index i = 0; i < n; ++i) range[i * incr] += factor * u[i * incr_u];
 }
 
-}  // namespace
-
 void reflect(double up, const double* u, Index incr_u, Index n, double scale, double* pivot, double* range,
              Index incr, Index stride, Index n_vec) {
   for (Index k = 0; k < n_vec; ++k) {
@@ -52,4 +46,8 @@ void reflect(double up, const double* u, Index incr_u, Index n, double scale, do
   }
 }
 
-}  // namespace tnla_kernels
+}  // namespace
+
+ReflectionKernels reflection_kernels() { return {make_reflection, reflect}; }
+
+}  // namespace tnla_kernels::TNLA_SET

@@ -1,0 +1,28 @@
+# The kernel sets: one source, compiled once for each instruction set.
+
+include(CheckCXXCompilerFlag)
+
+# tnla_kernel_set(<set> <lanes> [options...]): the object library kernels_<set>.
+function(tnla_kernel_set set lanes)
+  add_library(kernels_${set} OBJECT ${TNLA_SET_SOURCES})
+  tarn_compiles_as_we_do(kernels_${set})
+  target_compile_definitions(kernels_${set} PRIVATE TNLA_SET=${set} TNLA_LANES=${lanes})
+  target_compile_options(kernels_${set} PRIVATE ${ARGN})
+endfunction()
+
+set(TNLA_SET_SOURCES
+    src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp src/kernels/product.cpp
+    src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/triangular.cpp)
+
+# What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
+tnla_kernel_set(portable 2)
+add_library(kernels INTERFACE)
+target_sources(kernels INTERFACE $<TARGET_OBJECTS:kernels_portable> ${PROJECT_SOURCE_DIR}/src/kernels/dispatch.cpp)
+
+option(TNLA_WITH_AVX2 "Build the kernels for AVX2 too" ON)
+check_cxx_compiler_flag(-mavx2 TNLA_COMPILES_AVX2)
+if(TNLA_WITH_AVX2 AND TNLA_COMPILES_AVX2)
+  tnla_kernel_set(avx2 4 -mavx2)
+  target_sources(kernels INTERFACE $<TARGET_OBJECTS:kernels_avx2>)
+  target_compile_definitions(kernels INTERFACE TNLA_WITH_AVX2)
+endif()

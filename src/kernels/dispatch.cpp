@@ -1,0 +1,37 @@
+#include "kernel_set.h"
+
+// Which processor runs which kernel set.
+namespace tnla_kernels {
+
+namespace portable {
+KernelSet kernel_set();
+}
+#ifdef TNLA_WITH_AVX2
+namespace avx2 {
+KernelSet kernel_set();
+}
+#endif
+
+namespace {
+
+constexpr KernelSetChoice kSets[] = {
+#ifdef TNLA_WITH_AVX2
+    {"avx2", [] { return __builtin_cpu_supports("avx2") != 0; }, avx2::kernel_set},
+#endif
+    {"portable", [] { return true; }, portable::kernel_set},
+};
+
+KernelSet best_set() {
+  for (const KernelSetChoice& choice : kSets) {
+    if (choice.runs_here()) return choice.set();
+  }
+  return portable::kernel_set();
+}
+
+}  // namespace
+
+std::span<const KernelSetChoice> kernel_sets() { return kSets; }
+
+const KernelSet best = best_set();
+
+}  // namespace tnla_kernels
