@@ -16,7 +16,7 @@
 //      for the one in its place.  So equal ones need not keep their order.
 //  (3) False: 50 sweeps were not enough.  Eigenvalues and vectors are then those of the last sweep,
 //      unsorted.  Convergence is tested before a sweep only, so what converges in the fiftieth is false
-//      too.  A NaN outside the diagonal is false; other NaN and infinities may pass through.
+//      too.  A NaN above the diagonal is false; other NaN and infinities may pass through.
 //  (4) Asserted, as element accesses: `a` has no fewer columns than rows (more are not looked at), and
 //      `eigenvalues` took n elements.  Otherwise false, with zero eigenvalues and the identity.
 //  (5) std::bad_alloc leaves `a` as it was.
