@@ -28,7 +28,8 @@ class Wavefront {
   void load_triangle(const double* a, Index lda);
   void advance(const Step& step);
   template <Index kRunning>
-  void advance_elements(const Places& at, Index i, Index length, const Lanes* s, const Lanes* tau, Lanes* x);
+  void advance_elements(const Places& at, Index i, Index length, const Lanes* s, const Lanes* tau,
+                        Lanes* x);
   template <Index kVectors>
   void advance_columns(const Step& step, Index p);
   void choose_angles(const Step& step, const SweepRule& rule);
@@ -38,19 +39,19 @@ class Wavefront {
   void store_triangle(const Turns& turns, double* a, Index lda);
 
   Index n_;
-  Index ld_;           // of the arrays by difference
-  Index ld_skewed_;    // of the array by sum
-  double* skewed_;     // a(q, j) at (q + j) * ld_skewed_ + q
-  double* row_;        // a(p, q), once its angle is chosen, at (q - p) * ld_ + p + 1
-  double* s_;          // the rotation of (p, q) at (q - p) * ld_ + p
+  Index ld_;         // of the arrays by difference
+  Index ld_skewed_;  // of the array by sum
+  double* skewed_;   // a(q, j) at (q + j) * ld_skewed_ + q
+  double* row_;      // a(p, q), once its angle is chosen, at (q - p) * ld_ + p + 1
+  double* s_;        // the rotation of (p, q) at (q - p) * ld_ + p
   double* tau_;
-  double* d_;          // a copy, with room on both sides
-  double* pivot_;      // a(p, t - p) at p, in step t
+  double* d_;      // a copy, with room on both sides
+  double* pivot_;  // a(p, t - p) at p, in step t
   double* last_pivot_;
-  double* step_s_;     // of the last step, at p + 1
+  double* step_s_;  // of the last step, at p + 1
   double* step_tau_;
-  double* taken_;      // what d(p) loses
-  double* given_;      // what d(q) gains: the same, but -0.0 where nothing is turned
+  double* taken_;  // what d(p) loses
+  double* given_;  // what d(q) gains: the same, but -0.0 where nothing is turned
   double* block_;
 };
 

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
 #include "reference/cholesky_reference.h"
 #include "support/bits.h"
+#include "support/guarded.h"
 #include "support/kernel_sets.h"
 #include "support/values.h"
 
@@ -17,30 +17,6 @@ using tnla_kernels::Index;
 
 using Values = std::vector<double>;
 
-constexpr std::size_t kGuard = 9;  // values before and behind an array, which must stay
-constexpr double kMark = -77.0;
-
-// An array between guards, so that its alignment is the guard's.
-class Guarded {
- public:
-  explicit Guarded(const Values& values, std::size_t before = kGuard) : before_(before) {
-    values_.assign(before, kMark);
-    values_.insert(values_.end(), values.begin(), values.end());
-    values_.insert(values_.end(), kGuard, kMark);
-  }
-
-  double* data() { return values_.data() + before_; }
-  bool is_intact() const {
-    const auto is_mark = [](double x) { return x == kMark; };
-    return std::all_of(values_.begin(), values_.begin() + static_cast<std::ptrdiff_t>(before_), is_mark) &&
-           std::all_of(values_.end() - kGuard, values_.end(), is_mark);
-  }
-
- private:
-  std::size_t before_;
-  Values values_;
-};
-
 // A's upper triangle; what counts as not there is NaN.
 Values upper_triangle(const Matrix& A) {
   Values l(A.n * A.n, kNaN);
@@ -50,7 +26,7 @@ Values upper_triangle(const Matrix& A) {
   return l;
 }
 
-void expect_factor(const CholeskyKernels& kernels, const Matrix& A, std::size_t before = kGuard) {
+void expect_factor(const CholeskyKernels& kernels, const Matrix& A, std::size_t before = Guarded::kGuard) {
   const std::size_t n = A.n;
   SCOPED_TRACE(testing::Message() << n << " rows, " << before << " values before");
   const auto size = static_cast<Index>(n);
@@ -100,7 +76,7 @@ TEST(CholeskyKernels, FactorsEverySize) {
 TEST(CholeskyKernels, FactorAtEveryAlignment) {
   for_every_kernel_set([](const tnla_kernels::KernelSet& set) {
     Random random(2);
-    for (std::size_t before = 0; before <= kGuard; ++before) {
+    for (std::size_t before = 0; before <= Guarded::kGuard; ++before) {
       for (const std::size_t n : {3u, 8u, 37u, 131u}) {
         expect_factor(set.cholesky, random_definite(random, n), before);
       }
