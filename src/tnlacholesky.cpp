@@ -48,7 +48,7 @@ class Scratch {
 
  private:
   double* block_;
-  double few_[2056];  // what the factor takes up to 64 unknowns: 16 KB of stack
+  double few_[2056];  // what the factor takes up to 64 unknowns at least: 16 KB of stack
 };
 
 }  // namespace

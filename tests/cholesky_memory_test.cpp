@@ -196,7 +196,7 @@ TEST(CholeskyDisturbance, AFailedSolutionGoesOnWhereItFailed) {
 
 // (6): beyond some size the factor takes a block to work in, and returns it.
 TEST(CholeskyDisturbance, AFailedSolutionOfManyUnknownsGoesOnWhereItFailed) {
-  constexpr std::size_t n = 70;
+  constexpr std::size_t n = 150;
   Matrix A = diagonal(std::vector<double>(n, 3.0));
   for (std::size_t i = 0; i + 1 < n; ++i) A(i, i + 1) = A(i + 1, i) = 0.7;
   const std::vector<double> b(n, 1.0);
