@@ -72,7 +72,7 @@ void earlier_columns(Index n, Index first, double* slab, const double* l, const 
 // The columns first ... first + n_rows - 1, whose pivots are in the slab itself; it starts at the vector
 // that holds row `first`.  The rows above a pivot are computed with the others, and nobody looks at them.
 template <Index kRows, Index kVectors>
-bool own_columns(Index first, Index n_rows, double* slab, double* diagonal) {
+[[gnu::noinline]] bool own_columns(Index first, Index n_rows, double* slab, double* diagonal) {
   const Index here = smaller(kLanes, n_rows);
   for (Index c = 0; c < here; ++c) {
     const Index j = first + c;
@@ -88,21 +88,27 @@ bool own_columns(Index first, Index n_rows, double* slab, double* diagonal) {
   return true;
 }
 
-// Rows of L, at most kVectors vectors of them.
+// The first n_rows rows of L, at most kVectors vectors of them.
 template <Index kRows, Index kVectors>
-bool factor_slab(Index n, Index first, Index n_rows, double* slab, const double* l, double* diagonal) {
+bool first_columns(Index n_rows, double* slab, double* diagonal) {
   if constexpr (kVectors > 1) {
-    if (n_rows <= (kVectors - 1) * kLanes) {
-      return factor_slab<kRows, kVectors - 1>(n, first, n_rows, slab, l, diagonal);
-    }
+    if (n_rows <= (kVectors - 1) * kLanes)
+      return first_columns<kRows, kVectors - 1>(n_rows, slab, diagonal);
   }
+  return own_columns<kRows, kVectors>(0, n_rows, slab, diagonal);
+}
+
+template <Index kRows>
+bool factor_slab(Index n, Index first, Index n_rows, double* slab, const double* l, double* diagonal) {
+  constexpr Index kVectors = kRows / kLanes;
+  if (first == 0) return first_columns<kRows, kVectors>(n_rows, slab, diagonal);
   earlier_columns<kRows, kVectors>(n, first, slab, l, diagonal);
   return own_columns<kRows, kVectors>(first, n_rows, slab, diagonal);
 }
 
 // The rows above L(j, j), which are no part of it, come from the transposed and are overwritten.
 template <Index kRows>
-void copy_out(Index n, Index first, Index n_rows, const double* slab, double* l) {
+[[gnu::noinline]] void copy_out(Index n, Index first, Index n_rows, const double* slab, double* l) {
   transpose(n_rows, first + n_rows, slab, kRows, l + first * n, n);
   for (Index j = 0; j < first + n_rows; ++j) {
     for (Index r = larger(0, j + 1 - first); r < n_rows; ++r) l[j * n + first + r] = slab[j * kRows + r];
@@ -115,7 +121,7 @@ bool factor_by_rows(Index n, double* l, double* diagonal, double* slab) {
   Index n_rows = n % kRows == 0 ? kRows : n % kRows;
   for (Index first = 0; first < n; first += n_rows, n_rows = kRows) {
     transpose(first + n_rows, n_rows, l + first * n, n, slab, kRows);
-    if (!factor_slab<kRows, kRows / kLanes>(n, first, n_rows, slab, l, diagonal)) return false;
+    if (!factor_slab<kRows>(n, first, n_rows, slab, l, diagonal)) return false;
     copy_out<kRows>(n, first, n_rows, slab, l);
   }
   return true;

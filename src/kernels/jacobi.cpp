@@ -29,9 +29,15 @@ constexpr Index kManyRotations = 8;
 
 bool is_deferred(Index n) { return n >= kSmallestDeferred; }
 
-// Pairs (x, y), `incr_x` and `incr_y` apart.
-void turn_pairs(const Rotation& rotation, Index n, double* x, Index incr_x, double* y, Index incr_y) {
+// Pairs (x, y), `incr_x` and `incr_y` apart.  Not inlined: a sweep is there twice.
+[[gnu::noinline]] void turn_pairs(const Rotation& rotation, Index n, double* x, Index incr_x, double* y,
+                                  Index incr_y) {
   for (Index i = 0; i < n; ++i) turn(rotation.s, rotation.tau, x[i * incr_x], y[i * incr_y]);
+}
+
+// Pairs of neighbours.
+[[gnu::noinline]] void turn_columns(const Rotation& rotation, Index n, double* x, double* y) {
+  for (Index i = 0; i < n; ++i) turn(rotation.s, rotation.tau, x[i], y[i]);
 }
 
 // A sweep pair by pair.  `rotated(p, q, rotation)` hears of each rotation.
@@ -80,7 +86,7 @@ struct PlainSweep {
   //        [       d   |   ]     the two rows behind q
   //     q  [           d - ]
   void turn_triangle(const Rotation& rotation, Index p, Index q) const {
-    turn_pairs(rotation, p, &element(0, p), 1, &element(0, q), 1);
+    turn_columns(rotation, p, &element(0, p), &element(0, q));
     turn_pairs(rotation, q - p - 1, &element(p, p) + lda, lda, &element(p, q) + 1, 1);
     turn_pairs(rotation, n - q - 1, &element(p, q) + lda, lda, &element(q, q) + lda, lda);
   }
@@ -249,10 +255,10 @@ class Iteration {
     return n_rotations >= many;
   }
 
-  void sweep_plainly(const SweepRule& rule) {
+  [[gnu::noinline]] void sweep_plainly(const SweepRule& rule) {
     const Index n = plain_.n;
     plain_.run(rule, [this, n](Index p, Index q, const Rotation& rotation) {
-      turn_pairs(rotation, n, v_ + p * n, 1, v_ + q * n, 1);
+      turn_columns(rotation, n, v_ + p * n, v_ + q * n);
     });
   }
 
