@@ -175,47 +175,39 @@ class Iteration {
     }
   }
 
-  // `sweep(rule)` runs one.
-  template <class Sweep>
-  bool run(const Sweep& sweep) {
+  bool run(std::byte* scratch) {
     const double n_squared = static_cast<double>(plain_.n * plain_.n);
+    std::optional<Deferred> deferred;
+    bool converged = false;
     for (int k = 0; k < kMostSweeps; ++k) {
       const double sum = sum_of_magnitudes();
-      if (sum == 0.0) return true;
+      converged = sum == 0.0;
+      if (converged) break;
       const double threshold = k < kThresholdSweeps ? sum * kThresholdPart / n_squared : 0.0;
-      sweep(SweepRule{threshold, k > kLastCarefulSweep});
+      sweep({threshold, k > kLastCarefulSweep}, deferred, scratch);
       correct_diagonal();
     }
-    return false;
-  }
-
-  bool run_plain() {
-    return run([this](const SweepRule& rule) { sweep_plainly(rule); });
-  }
-
-  // Deferred from the first sweep on that promises many rotations.
-  bool run_deferred(std::byte* scratch) {
-    std::optional<Deferred> deferred;
-    bool tame = false;
-    const bool converged = run([&](const SweepRule& rule) {
-      const bool many = has_many_rotations(rule);
-      if (many && !deferred) {
-        deferred.emplace(plain_.n, v_, scratch);
-        tame = is_tame();
-      }
-      if (!deferred) {
-        sweep_plainly(rule);
-      } else if (many && tame) {
-        deferred->sweep_by_wavefront(rule, plain_);
-      } else {
-        deferred->sweep(rule, plain_);
-      }
-    });
     if (deferred) deferred->store_vectors(v_);
     return converged;
   }
 
  private:
+  // Deferred from the first sweep on that promises many rotations.
+  void sweep(const SweepRule& rule, std::optional<Deferred>& deferred, std::byte* scratch) {
+    const bool many = is_deferred(plain_.n) && has_many_rotations(rule);
+    if (many && !deferred) {
+      deferred.emplace(plain_.n, v_, scratch);
+      is_tame_ = is_tame();
+    }
+    if (!deferred) {
+      sweep_plainly(rule);
+    } else if (many && is_tame_) {
+      deferred->sweep_by_wavefront(rule, plain_);
+    } else {
+      deferred->sweep(rule, plain_);
+    }
+  }
+
   double sum_of_magnitudes() const {
     double sum = 0.0;
     for (Index p = 0; p < plain_.n; ++p) {
@@ -273,11 +265,11 @@ class Iteration {
   PlainSweep plain_;
   double* v_;
   double* b_;  // the diagonal at the start of the sweep: adding up z keeps its corrections exact for longer
+  bool is_tame_ = false;
 };
 
 bool jacobi(Index n, double* a, Index lda, double* d, double* v, double* b, double* z, std::byte* scratch) {
-  Iteration iteration(n, a, lda, d, v, b, z);
-  return is_deferred(n) ? iteration.run_deferred(scratch) : iteration.run_plain();
+  return Iteration(n, a, lda, d, v, b, z).run(scratch);
 }
 
 Index scratch_bytes(Index n) { return is_deferred(n) ? Deferred::scratch_bytes(n) : 0; }

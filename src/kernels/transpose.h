@@ -25,7 +25,8 @@ inline void transpose_tile(Vector (&v)[4]) {
 }
 
 // to(j, i) = from(i, j) for i < m and j < n, both column-major.
-inline void transpose(Index m, Index n, const double* from, Index ld_from, double* to, Index ld_to) {
+[[gnu::noinline]] inline void transpose(Index m, Index n, const double* from, Index ld_from, double* to,
+                                        Index ld_to) {
   const Index full_m = m - m % kLanes;
   const Index full_n = n - n % kLanes;
   for (Index j = 0; j < full_n; j += kLanes) {
