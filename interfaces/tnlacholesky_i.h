@@ -26,8 +26,8 @@
 //  (6) std::bad_alloc leaves the object usable and loses no memory.  After a failed a() or b() there is
 //      still no A or no b; after a failed x() the next one starts again where that one failed.
 //
-// The object owns copies of A and b, and the solution.  It holds 2 n^2 numbers; a factor costs n^3 / 3
-// flops, a solution 2 n^2.
+// The object owns copies of A and b, and the solution.  It holds 2 n^2 numbers, and some 32 n more while it
+// makes a factor; a factor costs n^3 / 3 flops, a solution 2 n^2.
 //
 // Source: Golub and Van Loan, Matrix Computations, section 4.2, with an absolute bound for the pivots.
 class TNLA_API TnLaCholesky {
@@ -57,7 +57,7 @@ class TNLA_API TnLaCholesky {
   int n_;
   double* matrix_;
   double* rhs_;
-  double* factor_;       // the strictly lower part of L; the rest is not used
+  double* factor_;       // L below its diagonal, and L' above
   double* working_rhs_;  // a copy of rhs_; null after b()
   double* diagonal_;     // of L
   TnArray<double> solution_;

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "kernels/kernel_set.h"
@@ -39,8 +41,12 @@ bool tnla_eigenvector_basis(TnLaDblMat& a, TnArray<double>& eigenvalues, TnLaDbl
   TnArray<double> z;
   z.set_size(n, false);
   const auto size = static_cast<tnla_kernels::Index>(n);
-  if (!tnla_kernels::best.jacobi.diagonalize(size, TnLaAccess::elements(a), size, eigenvalues.data(),
-                                             TnLaAccess::elements(vectors), b.data(), z.data())) {
+  const auto& kernels = tnla_kernels::best.jacobi;
+  const auto scratch_bytes = static_cast<std::size_t>(kernels.scratch_bytes(size));
+  std::unique_ptr<std::byte[]> scratch;
+  if (scratch_bytes > 0) scratch = std::make_unique_for_overwrite<std::byte[]>(scratch_bytes);
+  if (!kernels.diagonalize(size, TnLaAccess::elements(a), size, eigenvalues.data(),
+                           TnLaAccess::elements(vectors), b.data(), z.data(), scratch.get())) {
     return false;
   }
   sort_decreasing(n, eigenvalues.data(), vectors);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 #include "kernels/kernel_set.h"
 #include "tnla_linearsolve_i.h"
@@ -34,6 +35,21 @@ void replace(double*& block, const TnArray<double>& values, bool has_length) {
   if (block == nullptr) block = new_block(values.size());
   std::copy_n(values.data(), values.size(), block);
 }
+
+// Room for n values while a function runs; up to some size without a heap block.
+class Scratch {
+ public:
+  explicit Scratch(std::size_t n) : block_(n <= std::size(few_) ? nullptr : new_block(n)) {}
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  ~Scratch() { release(block_); }
+
+  double* data() { return block_ == nullptr ? few_ : block_; }
+
+ private:
+  double* block_;
+  double few_[2056];  // what the factor takes up to 64 unknowns at least: 16 KB of stack
+};
 
 }  // namespace
 
@@ -90,9 +106,11 @@ bool TnLaCholesky::factorize() {
   const std::size_t n = static_cast<std::size_t>(n_);
   if (diagonal_ == nullptr) diagonal_ = new_block(n);
   init(diagonal_, n_);
+  const auto& kernels = tnla_kernels::best.cholesky;
+  Scratch scratch(static_cast<std::size_t>(kernels.factor_scratch(n_)));
   if (factor_ == nullptr) factor_ = new_block(n * n);
   std::copy_n(matrix_, n * n, factor_);
-  return tnla_kernels::best.cholesky.factor(n_, matrix_, factor_, diagonal_);
+  return kernels.factor(n_, factor_, diagonal_, scratch.data());
 }
 
 void TnLaCholesky::substitute() {

@@ -5,6 +5,7 @@
 #include <cfenv>
 #include <cstddef>
 #include <new>
+#include <vector>
 
 #include "support/allocation.h"
 #include "support/cholesky_objects.h"
@@ -190,6 +191,27 @@ TEST(CholeskyDisturbance, AFailedSolutionGoesOnWhereItFailed) {
     }
     EXPECT_EQ(allocations([&] { cholesky.x(); }), n_blocks - k);
     expect_solution(cholesky.x(), kDefinite, kLoad);
+  }
+}
+
+// (6): beyond some size the factor takes a block to work in, and returns it.
+TEST(CholeskyDisturbance, AFailedSolutionOfManyUnknownsGoesOnWhereItFailed) {
+  constexpr std::size_t n = 150;
+  Matrix A = diagonal(std::vector<double>(n, 3.0));
+  for (std::size_t i = 0; i + 1 < n; ++i) A(i, i + 1) = A(i + 1, i) = 0.7;
+  const std::vector<double> b(n, 1.0);
+  constexpr std::size_t n_blocks[] = {5, 4, 4, 2, 1};  // that the next one needs
+  for (std::size_t k = 0; k < 5; ++k) {
+    SCOPED_TRACE(k);
+    Loaded cholesky(A, b);
+    const std::size_t alive = allocation::alive();
+    {
+      const allocation::Failing failing(k);
+      EXPECT_THROW(cholesky.x(), std::bad_alloc);
+    }
+    EXPECT_EQ(allocations([&] { cholesky.x(); }), n_blocks[k]);
+    EXPECT_EQ(allocation::alive(), alive + 4);
+    expect_solution(cholesky.x(), A, b);
   }
 }
 

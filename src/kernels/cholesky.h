@@ -7,18 +7,23 @@ namespace tnla_kernels {
 // A pivot below it ends the factorisation; a NaN does not.
 inline constexpr double kSmallestPivot = 1e-10;
 
-// The Cholesky factor A = L L' of a column-major n x n matrix, and solving with it.
+// The Cholesky factor A = L L' of a symmetric n x n matrix, and solving with it.
 //
-// The strictly lower part of L is column-major in l, its diagonal apart in `diagonal`.
+// The column-major l holds L below its diagonal and L' above, so that both substitutions, and the
+// factorisation, find what they need side by side.  The diagonal of L is apart in `diagonal`.
 struct CholeskyKernels {
-  // L from the upper triangle of A.  For j ascending, and i = j ... n-1:
+  // The number of values that `factor` needs as scratch.
+  Index (*factor_scratch)(Index n);
+
+  // L from the upper triangle of A, which l holds at the start.  For j ascending, and i = j ... n-1:
   //
   //     s = A(j, i);  then s = s - L(i, k) * L(j, k) for k = j-1 ... 0, in this order
   //     i == j: s < kSmallestPivot ends it with false;  L(j, j) = sqrt(s)
   //     i  > j: L(i, j) = s / L(j, j)
   //
-  // The diagonal and the upper triangle of l are not touched.
-  bool (*factor)(Index n, const double* a, double* l, double* diagonal);
+  // What l holds on its diagonal, and all of it after false, is not said.  The lower triangle does not
+  // count at the start.
+  bool (*factor)(Index n, double* l, double* diagonal, double* scratch);
 
   // x = the solution of L L' x = b.  x may be b.
   //

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <cstddef>
+
 #include "index.h"
 
 namespace tnla_kernels {
 
 // Cyclic Jacobi rotations with a threshold.
 struct JacobiKernels {
+  // The number of bytes that `diagonalize` needs as scratch, aligned as a double is.
+  Index (*scratch_bytes)(Index n);
+
   // Turns the strictly upper triangle of the symmetric a, n x n with the leading dimension lda, into zeros,
-  // and multiplies v, n x n without gaps, by the same rotations.  d becomes the diagonal of the turned
+  // and the identity v, n x n without gaps, by the same rotations.  d becomes the diagonal of the turned
   // matrix; b and z are scratch of n values each.  False after 50 sweeps.
   //
   // At the start b = d = diag(a), z = 0.  Sweep 0, 1, ...:
@@ -29,7 +34,8 @@ struct JacobiKernels {
   //     z(p) -= h;  z(q) += h;  d(p) -= h;  d(q) += h;  a(p, q) = 0
   //     every other pair (x, y) of a, upper triangle only, and of v, in columns p and q:
   //         x' = x - s * (y + x * tau);   y' = y + s * (x - y * tau)
-  bool (*diagonalize)(Index n, double* a, Index lda, double* d, double* v, double* b, double* z);
+  bool (*diagonalize)(Index n, double* a, Index lda, double* d, double* v, double* b, double* z,
+                      std::byte* scratch);
 };
 
 }  // namespace tnla_kernels

@@ -16,6 +16,7 @@ struct JacobiRule {
   int most_sweeps = 50;
   int threshold_sweeps = 3;
   int first_zeroing_sweep = 4;
+  bool sorts = true;
 };
 
 struct Jacobi {
@@ -31,7 +32,7 @@ struct Jacobi {
       : n(matrix.m), a(matrix), d(n), V(identity(n)), b(n), z(n, 0.0) {
     for (std::size_t i = 0; i < n; ++i) b[i] = d[i] = a(i, i);
     iterate(rule);
-    if (converged) sort();
+    if (converged && rule.sorts) sort();
   }
 
  private:
