@@ -1,0 +1,161 @@
+#include "rank_revealing.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "reflection.h"
+#include "reflection_chain.h"
+#include "simd.h"
+
+namespace tnla_kernels::TNLA_SET {
+
+// The solve's part, in rank_revealing_solve.cpp.
+void compress(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch);
+void apply_left(Index k, Index m, Index p, const Reflections& left, const double* b, double* x, Index ldx,
+                double* scratch);
+void turn(Index k, Index n, Index p, const Reflections& right, double* x, double* scratch);
+
+namespace {
+
+// The matrix on its way from A to [R S].
+class Triangularization {
+ public:
+  Triangularization(Index m, Index n, const double* a, double* r, const Reflections& left, int* perm,
+                    double* scratch)
+      : m_(m),
+        n_(n),
+        n_slabs_(slabs_for(n)),
+        w_{at_cache_line(scratch), slab_distance(m)},
+        lengths_(w_.data + n_slabs_ * w_.ld),
+        sums_(lengths_ + n_slabs_ * kLanes),
+        r_(r),
+        left_(left),
+        perm_(perm),
+        pending_{a, 0.0} {
+    fill_slabs(m, n, a, m, w_);
+    for (Index l = 0; l < n_slabs_ * kLanes; ++l) sums_[l] = 0.0;  // nothing is pending
+  }
+
+  void run() {
+    const Index d = smaller(m_, n_);
+    for (Index j = 0; j < d; ++j) {
+      const Index pivot = choose_pivot(j);
+      perm_[j] = static_cast<int>(pivot);
+      reference_ = lengths_[j];
+      take_column(j, pivot);
+      build(j);
+      apply(j);
+    }
+    write_triangle(d);
+  }
+
+ private:
+  Index longest(Index j) const {
+    Lanes best = splat(lengths_[j]);  // a NaN stays: nothing is greater
+    for (Index l = j - j % kLanes; l < n_; l += kLanes) {
+      const Lanes length = load(lengths_ + l);
+      best = select(length > best, length, best);
+    }
+    double most = best[0];
+    for (Index l = 1; l < kLanes; ++l) most = best[l] > most ? best[l] : most;
+    for (Index l = j; l < n_; ++l) {
+      if (lengths_[l] == most) return l;
+    }
+    return j;
+  }
+
+  Index choose_pivot(Index j) {
+    if (j > 0) {
+      const Index best = longest(j);
+      if ((reference_ + kLengthFraction * lengths_[best]) - reference_ > 0.0) return best;
+    }
+    const Index first = j / kLanes;
+    for_groups(first, n_slabs_, [&](auto group, Index slab) {
+      settle<decltype(group)::value>(m_ - j, pending_, w_.row(slab, j), w_.ld, sums_ + slab * kLanes,
+                                     lengths_ + slab * kLanes);
+    });
+    for (Index l = first * kLanes; l < j; ++l) lengths_[l] = kDead;
+    return longest(j);
+  }
+
+  // Brings column `pivot` up to date and to r, whose column j it is from now on, and puts column j in its
+  // place.
+  void take_column(Index j, Index pivot) {
+    double* const from = w_.column(pivot);
+    double* const to = w_.column(j);
+    double* const u = r_ + j * m_;
+    const double sum = sums_[pivot];
+    const double factor = sum * pending_.scale;
+    const double* const u_before = pending_.u - j;
+    if (sum == 0.0) {
+      for (Index i = j; i < m_; ++i) u[i] = from[i * kLanes];
+    } else {
+      for (Index i = j; i < m_; ++i) u[i] = from[i * kLanes] + factor * u_before[i];
+    }
+    if (pivot != j) {
+      for (Index i = 0; i < j; ++i) {
+        const double x = from[i * kLanes];
+        from[i * kLanes] = to[i * kLanes];
+        to[i * kLanes] = x;
+      }
+      for (Index i = j; i < m_; ++i) from[i * kLanes] = to[i * kLanes];
+      sums_[pivot] = sums_[j];
+      lengths_[pivot] = lengths_[j];
+    }
+    to[j * kLanes] = kDead;
+  }
+
+  // The reflection of column j of r; none for the last row, which has nothing below it.
+  void build(Index j) {
+    double* const pivot = r_ + j * m_ + j;
+    if (j + 1 < m_) {
+      build_reflection(*pivot, m_ - j - 1, pivot + 1, left_.up[j], left_.scale[j]);
+    } else {
+      left_.up[j] = left_.scale[j] = 0.0;
+    }
+  }
+
+  void apply(Index j) {
+    const double* const u_before = pending_.u;
+    const Link link{r_ + j * m_ + j + 1, m_ - j - 1, left_.up[j], left_.scale[j]};
+    const Pending rows_below{u_before + 1, pending_.scale};
+    for_groups((j + 1) / kLanes, n_slabs_, [&](auto group, Index slab) {
+      double* const row = w_.row(slab, j);
+      apply_link<decltype(group)::value>(link, rows_below, {row, w_.ld, u_before}, row + kLanes, w_.ld,
+                                         sums_ + slab * kLanes, lengths_ + slab * kLanes);
+    });
+    pending_ = {link.u, link.scale};
+  }
+
+  // What is above the diagonal, to r.
+  void write_triangle(Index d) {
+    for (Index l = 1; l < n_; ++l) {
+      const double* const column = w_.column(l);
+      const Index height = smaller(l, d);
+      for (Index i = 0; i < height; ++i) r_[l * m_ + i] = column[i * kLanes];
+    }
+  }
+
+  Index m_;
+  Index n_;
+  Index n_slabs_;
+  Slabs w_;
+  double* lengths_;  // squared, of the rows from j on
+  double* sums_;
+  double* r_;
+  Reflections left_;
+  int* perm_;
+  Pending pending_;  // from row j on
+  double reference_ = 0.0;
+};
+
+void triangularize(Index m, Index n, const double* a, double* r, const Reflections& left, int* perm,
+                   double* scratch) {
+  Triangularization(m, n, a, r, left, perm, scratch).run();
+}
+
+}  // namespace
+
+RankRevealingKernels rank_revealing_kernels() { return {triangularize, compress, apply_left, turn}; }
+
+}  // namespace tnla_kernels::TNLA_SET

@@ -1,0 +1,160 @@
+#include "rank_revealing.h"
+#include "reflection_chain.h"
+#include "simd.h"
+
+// What follows the triangularisation: the reflections from the right, and the solve.
+namespace tnla_kernels::TNLA_SET {
+
+namespace {
+
+constexpr Index kSlabs = 4;  // taken through a chain at once
+static_assert(kSlabs * kLanes <= kTogether);
+
+// Columns side by side and their pending sums, in scratch.
+struct Columns {
+  Index n_cols;
+  Index n_slabs;
+  Slabs w;
+  double* sums;
+
+  Columns(Index n_rows, Index columns, double* scratch)
+      : n_cols(columns),
+        n_slabs(slabs_for(columns)),
+        w{at_cache_line(scratch), slab_distance(n_rows)},
+        sums(w.data + n_slabs * w.ld) {
+    for (Index l = 0; l < n_slabs * kLanes; ++l) sums[l] = 0.0;
+  }
+};
+
+Link link_of(const Reflections& all, Index i, Index n) {
+  return {all.u + i * all.ld, n, all.up[i], all.scale[i]};
+}
+
+}  // namespace
+
+void apply_left(Index k, Index m, Index p, const Reflections& left, const double* b, double* x, Index ldx,
+                double* scratch) {
+  for (Index c = 0; c < p; c += kSlabs * kLanes) {
+    const Columns columns(m, smaller(p - c, kSlabs * kLanes), scratch);
+    const Slabs& w = columns.w;
+    fill_slabs(m, columns.n_cols, b + c * m, m, w);
+    for_groups(0, columns.n_slabs, [&](auto group, Index slab) {
+      double* const sums = columns.sums + slab * kLanes;
+      Pending pending{left.u, 0.0};
+      const double* at_pivot = nullptr;
+      for (Index j = 0; j < k; ++j) {  // later reflections leave the first k rows as they are
+        const Link link = link_of(left, j, m - j - 1);
+        double* const row = w.row(slab, j);
+        apply_link<decltype(group)::value>(link, pending, {row, w.ld, at_pivot}, row + kLanes, w.ld, sums,
+                                           nullptr);
+        at_pivot = link.u;
+        pending = {link.u + 1, link.scale};
+      }
+    });
+    empty_slabs(k, columns.n_cols, w, x + c * ldx, ldx);
+  }
+}
+
+void turn(Index k, Index n, Index p, const Reflections& right, double* x, double* scratch) {
+  for (Index c = 0; c < p; c += kSlabs * kLanes) {
+    const Columns columns(n, smaller(p - c, kSlabs * kLanes), scratch);
+    const Slabs& w = columns.w;
+    fill_slabs(n, columns.n_cols, x + c * n, n, w);
+    for_groups(0, columns.n_slabs, [&](auto group, Index slab) {
+      constexpr Index kCount = decltype(group)::value;
+      double* const sums = columns.sums + slab * kLanes;
+      double* const free = w.row(slab, k);
+      Pending pending{right.u, 0.0};
+      for (Index i = 0; i < k; ++i) {
+        const Link link = link_of(right, i, n - k);
+        apply_link<kCount>(link, pending, {w.row(slab, i), w.ld, nullptr}, free, w.ld, sums, nullptr);
+        pending = {link.u, link.scale};
+      }
+      settle<kCount>(n - k, pending, free, w.ld, sums, sums);
+    });
+    empty_slabs(n, columns.n_cols, w, x + c * n, n);
+  }
+}
+
+namespace {
+
+// The rows 0 ... k-1 of [R S] wait for the reflections from the right side by side in the lanes, S in slabs.
+// They are turned in blocks, which stay in the cache: first by the reflections of the rows below the block,
+// then by those of its own rows.
+class Compression {
+ public:
+  Compression(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch)
+      : k_(k), m_(m), n_(n - k), r_(r), right_(right), rows_(n - k, k, scratch) {
+    const double* const s = r + k * m;
+    const Index padded = rows_.n_slabs * kLanes;
+    for (Index l = 0; l < n_; ++l) {
+      for (Index i = 0; i < k; ++i) rows_.w.column(i)[l * kLanes] = s[l * m + i];
+      for (Index i = k; i < padded; ++i) rows_.w.column(i)[l * kLanes] = kDead;
+    }
+  }
+
+  void run() {
+    for (Index end = k_; end > 0;) {
+      const Index begin = (end - 1) / (kSlabs * kLanes) * (kSlabs * kLanes);
+      turn_block(begin, end);
+      end = begin;
+    }
+  }
+
+ private:
+  void turn_block(Index begin, Index end) {
+    pending_ = {nullptr, 0.0};
+    for (Index i = k_ - 1; i >= end; --i) apply(i, begin, end);
+    for (Index i = end - 1; i >= begin; --i) {
+      take_row(i);
+      build_reflection(r_[i * m_ + i], n_, right_.u + i * right_.ld, right_.up[i], right_.scale[i]);
+      apply(i, begin, i);
+    }
+  }
+
+  // Number i to the rows begin ... end - 1.
+  void apply(Index i, Index begin, Index end) {
+    double pivots[kSlabs * kLanes];
+    double* const column = r_ + i * m_ + begin;
+    const Index n_rows = end - begin;
+    const Index first = begin / kLanes;
+    const Index n_slabs = slabs_for(n_rows);
+    for (Index t = 0; t < n_slabs * kLanes; ++t) pivots[t] = t < n_rows ? column[t] : kDead;
+    const Link link = link_of(right_, i, n_);
+    if (pending_.u == nullptr) pending_.u = link.u;  // nothing is pending; something has to be read
+    for_groups(0, n_slabs, [&](auto group, Index slab) {
+      const PivotRow pivot{pivots + slab * kLanes, kLanes, nullptr};
+      apply_link<decltype(group)::value>(link, pending_, pivot, rows_.w.row(first + slab, 0), rows_.w.ld,
+                                         rows_.sums + (first + slab) * kLanes, nullptr);
+    });
+    for (Index t = 0; t < n_rows; ++t) column[t] = pivots[t];
+    pending_ = {link.u, link.scale};
+  }
+
+  // Brings row i up to date and to the ranges of the reflections.
+  void take_row(Index i) {
+    const double* const from = rows_.w.column(i);
+    double* const u = right_.u + i * right_.ld;
+    const double sum = rows_.sums[i];
+    const double factor = sum * pending_.scale;
+    for (Index l = 0; l < n_; ++l) {
+      u[l] = sum == 0.0 ? from[l * kLanes] : from[l * kLanes] + factor * pending_.u[l];
+    }
+  }
+
+  Index k_;
+  Index m_;
+  Index n_;  // columns of S
+  double* r_;
+  const Reflections& right_;
+  Columns rows_;
+  Pending pending_{nullptr, 0.0};
+};
+
+}  // namespace
+
+void compress(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch) {
+  Compression(k, m, n, r, right, scratch).run();
+}
+
+}  // namespace tnla_kernels::TNLA_SET
