@@ -7,7 +7,8 @@
 // small problems an allocation, and otherwise one block on the heap.
 class TnLaWorkspace {
  public:
-  static constexpr std::size_t kInside = 4096;  // bytes: what the decomposition of order 12 and its solve take
+  static constexpr std::size_t kInside =
+      4096;  // bytes: what the decomposition of order 12 and its solve take
 
   explicit TnLaWorkspace(std::size_t size) {
     if (size > kInside) heap_ = std::make_unique_for_overwrite<std::byte[]>(size);

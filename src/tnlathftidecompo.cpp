@@ -43,9 +43,10 @@ TnLaTHFTIDecompo<M>::TnLaTHFTIDecompo(const M& A, double tol)
 
   TnLaWorkspace scratch(doubles(columns_scratch(m_, n_)));
   double* const s = scratch.take<double>(0);
-  best.rank_revealing.triangularize(m_, n_, TnLaAccess::elements(A), r_, left_, perm_, s);  // Q A P = [R S; 0 e]
-  rank_ = pseudo_rank(tol);  // e is noise: the diagonal reaches tol up to rank_ only
-  if (rank_ < n_) {          // [R S] K = [W 0], for the shortest solution
+  best.rank_revealing.triangularize(m_, n_, TnLaAccess::elements(A), r_, left_, perm_,
+                                    s);  // Q A P = [R S; 0 e]
+  rank_ = pseudo_rank(tol);              // e is noise: the diagonal reaches tol up to rank_ only
+  if (rank_ < n_) {                      // [R S] K = [W 0], for the shortest solution
     right_.u = r_ + rank_ * m_;
     right_.ld = n_ - rank_;
     TnLaWorkspace rows(doubles(columns_scratch(n_ - rank_, rank_)));

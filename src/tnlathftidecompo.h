@@ -16,8 +16,8 @@
 // reflections K from the right turn [R S] into [W 0], W upper triangular; the unknowns beyond k are then
 // set to zero, which makes the solution the shortest.  The tolerance is absolute.
 //
-// The object holds R or W, the reflections and the interchanges in one block, inside itself where the matrix
-// is small.  std::bad_alloc leaves nothing behind, and X and Z as they were.
+// The object holds R or W, the reflections and the interchanges in one block, inside itself where the
+// matrix is small.  std::bad_alloc leaves nothing behind, and X and Z as they were.
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI).  Departures: the absolute
 // tolerance, and the reference value of the recompute test of the pivot choice (kernels/rank_revealing.h).
@@ -52,7 +52,7 @@ class TnLaTHFTIDecompo {
   Index d_;  // the smaller one
   Index rank_;
   TnLaWorkspace block_;
-  double* r_;                        // below the diagonal the ranges of left_, right of the rank those of right_
+  double* r_;  // below the diagonal the ranges of left_, right of the rank those of right_
   tnla_kernels::Reflections left_;   // Q: on columns, in the order of creation
   tnla_kernels::Reflections right_;  // K: number i on row i, created from the last to the first
   int* perm_;                        // perm_[j]: the column that step j brought to place j

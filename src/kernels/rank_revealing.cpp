@@ -1,9 +1,5 @@
 #include "rank_revealing.h"
 
-#include <cmath>
-#include <cstring>
-
-#include "reflection.h"
 #include "reflection_chain.h"
 #include "simd.h"
 
@@ -25,7 +21,7 @@ class Triangularization {
       : m_(m),
         n_(n),
         n_slabs_(slabs_for(n)),
-        w_{at_cache_line(scratch), slab_distance(m)},
+        w_(slabs_in(scratch, m)),
         lengths_(w_.data + n_slabs_ * w_.ld),
         sums_(lengths_ + n_slabs_ * kLanes),
         r_(r),
@@ -70,10 +66,7 @@ class Triangularization {
       if ((reference_ + kLengthFraction * lengths_[best]) - reference_ > 0.0) return best;
     }
     const Index first = j / kLanes;
-    for_groups(first, n_slabs_, [&](auto group, Index slab) {
-      settle<decltype(group)::value>(m_ - j, pending_, w_.row(slab, j), w_.ld, sums_ + slab * kLanes,
-                                     lengths_ + slab * kLanes);
-    });
+    settle(m_ - j, pending_, columns_from(first, j));
     for (Index l = first * kLanes; l < j; ++l) lengths_[l] = kDead;
     return longest(j);
   }
@@ -83,15 +76,7 @@ class Triangularization {
   void take_column(Index j, Index pivot) {
     double* const from = w_.column(pivot);
     double* const to = w_.column(j);
-    double* const u = r_ + j * m_;
-    const double sum = sums_[pivot];
-    const double factor = sum * pending_.scale;
-    const double* const u_before = pending_.u - j;
-    if (sum == 0.0) {
-      for (Index i = j; i < m_; ++i) u[i] = from[i * kLanes];
-    } else {
-      for (Index i = j; i < m_; ++i) u[i] = from[i * kLanes] + factor * u_before[i];
-    }
+    settle_column(m_ - j, from + j * kLanes, sums_[pivot], pending_, r_ + j * m_ + j);
     if (pivot != j) {
       for (Index i = 0; i < j; ++i) {
         const double x = from[i * kLanes];
@@ -116,15 +101,15 @@ class Triangularization {
   }
 
   void apply(Index j) {
-    const double* const u_before = pending_.u;
     const Link link{r_ + j * m_ + j + 1, m_ - j - 1, left_.up[j], left_.scale[j]};
-    const Pending rows_below{u_before + 1, pending_.scale};
-    for_groups((j + 1) / kLanes, n_slabs_, [&](auto group, Index slab) {
-      double* const row = w_.row(slab, j);
-      apply_link<decltype(group)::value>(link, rows_below, {row, w_.ld, u_before}, row + kLanes, w_.ld,
-                                         sums_ + slab * kLanes, lengths_ + slab * kLanes);
-    });
+    const Pending below{pending_.u + 1, pending_.scale};
+    const Index first = (j + 1) / kLanes;
+    apply_link(link, below, {w_.row(first, j), w_.ld, pending_.u}, columns_from(first, j + 1));
     pending_ = {link.u, link.scale};
+  }
+
+  Columns columns_from(Index slab, Index row) const {
+    return {n_slabs_ - slab, w_.row(slab, row), w_.ld, sums_ + slab * kLanes, lengths_ + slab * kLanes};
   }
 
   // What is above the diagonal, to r.

@@ -33,16 +33,17 @@ struct RankRevealingKernels {
   //
   // Pivot choice at j > 0: h[l] -= r(j-1, l)^2 for l = j ... n-1.  That stands if
   // (h_ref + kLengthFraction * h[longest]) - h_ref > 0, where h_ref is h[perm[j-1]] before the subtraction,
-  // that is, what the interchange of step j-1 left there, and not, as in the book, the largest length at the
-  // last full computation.  Otherwise, and at j = 0: h[l] = sum of r(i, l)^2 over i = j ... m-1, from +0.0.
+  // that is, what the interchange of step j-1 left there, and not, as in the book, the largest length at
+  // the last full computation.  Otherwise, and at j = 0: h[l] = sum of r(i, l)^2 over i = j ... m-1, from
+  // +0.0.
   //
   // Scratch: columns_scratch(m, n).
   void (*triangularize)(Index m, Index n, const double* a, double* r, const Reflections& left, int* perm,
                         double* scratch);
 
-  // For i = k-1 ... 0: the reflection that zeroes columns k ... n-1 of row i of r, with the pivot r(i, i), is
-  // built, and applied to the rows 0 ... i-1.  Number i is that of row i.  The ranges, n - k entries each, go
-  // to right.u, which may be where the columns k ... n-1 of r are: their content is lost.
+  // For i = k-1 ... 0: the reflection that zeroes columns k ... n-1 of row i of r, with the pivot r(i, i),
+  // is built, and applied to the rows 0 ... i-1.  Number i is that of row i.  The ranges, n - k entries
+  // each, go to right.u, which may be where the columns k ... n-1 of r are: their content is lost.
   //
   // Scratch: columns_scratch(n - k, k).
   void (*compress)(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch);
@@ -61,7 +62,8 @@ struct RankRevealingKernels {
 
 // Scratch, in doubles, for columns side by side in vectors of up to kWidest.
 inline constexpr Index kWidest = 8;
-inline constexpr Index kTogether = 4 * kWidest;  // more rows or right sides are taken one such group after the other
+inline constexpr Index kTogether =
+    4 * kWidest;  // more rows or right sides are taken one such group after the other
 
 constexpr Index columns_scratch(Index n_rows, Index n_cols) { return (n_rows + 12) * (n_cols + kWidest); }
 

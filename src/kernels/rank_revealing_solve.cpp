@@ -11,19 +11,21 @@ constexpr Index kSlabs = 4;  // taken through a chain at once
 static_assert(kSlabs * kLanes <= kTogether);
 
 // Columns side by side and their pending sums, in scratch.
-struct Columns {
+struct Chain {
   Index n_cols;
   Index n_slabs;
   Slabs w;
   double* sums;
 
-  Columns(Index n_rows, Index columns, double* scratch)
+  Chain(Index n_rows, Index columns, double* scratch)
       : n_cols(columns),
         n_slabs(slabs_for(columns)),
-        w{at_cache_line(scratch), slab_distance(n_rows)},
+        w(slabs_in(scratch, n_rows)),
         sums(w.data + n_slabs * w.ld) {
     for (Index l = 0; l < n_slabs * kLanes; ++l) sums[l] = 0.0;
   }
+
+  Columns from(Index row) const { return {n_slabs, w.row(0, row), w.ld, sums, nullptr}; }
 };
 
 Link link_of(const Reflections& all, Index i, Index n) {
@@ -35,52 +37,42 @@ Link link_of(const Reflections& all, Index i, Index n) {
 void apply_left(Index k, Index m, Index p, const Reflections& left, const double* b, double* x, Index ldx,
                 double* scratch) {
   for (Index c = 0; c < p; c += kSlabs * kLanes) {
-    const Columns columns(m, smaller(p - c, kSlabs * kLanes), scratch);
+    const Chain columns(m, smaller(p - c, kSlabs * kLanes), scratch);
     const Slabs& w = columns.w;
     fill_slabs(m, columns.n_cols, b + c * m, m, w);
-    for_groups(0, columns.n_slabs, [&](auto group, Index slab) {
-      double* const sums = columns.sums + slab * kLanes;
-      Pending pending{left.u, 0.0};
-      const double* at_pivot = nullptr;
-      for (Index j = 0; j < k; ++j) {  // later reflections leave the first k rows as they are
-        const Link link = link_of(left, j, m - j - 1);
-        double* const row = w.row(slab, j);
-        apply_link<decltype(group)::value>(link, pending, {row, w.ld, at_pivot}, row + kLanes, w.ld, sums,
-                                           nullptr);
-        at_pivot = link.u;
-        pending = {link.u + 1, link.scale};
-      }
-    });
+    Pending pending{left.u, 0.0};
+    const double* at_pivot = nullptr;
+    for (Index j = 0; j < k; ++j) {  // later reflections leave the first k rows as they are
+      const Link link = link_of(left, j, m - j - 1);
+      apply_link(link, pending, {w.row(0, j), w.ld, at_pivot}, columns.from(j + 1));
+      at_pivot = link.u;
+      pending = {link.u + 1, link.scale};
+    }
     empty_slabs(k, columns.n_cols, w, x + c * ldx, ldx);
   }
 }
 
 void turn(Index k, Index n, Index p, const Reflections& right, double* x, double* scratch) {
   for (Index c = 0; c < p; c += kSlabs * kLanes) {
-    const Columns columns(n, smaller(p - c, kSlabs * kLanes), scratch);
+    const Chain columns(n, smaller(p - c, kSlabs * kLanes), scratch);
     const Slabs& w = columns.w;
     fill_slabs(n, columns.n_cols, x + c * n, n, w);
-    for_groups(0, columns.n_slabs, [&](auto group, Index slab) {
-      constexpr Index kCount = decltype(group)::value;
-      double* const sums = columns.sums + slab * kLanes;
-      double* const free = w.row(slab, k);
-      Pending pending{right.u, 0.0};
-      for (Index i = 0; i < k; ++i) {
-        const Link link = link_of(right, i, n - k);
-        apply_link<kCount>(link, pending, {w.row(slab, i), w.ld, nullptr}, free, w.ld, sums, nullptr);
-        pending = {link.u, link.scale};
-      }
-      settle<kCount>(n - k, pending, free, w.ld, sums, sums);
-    });
+    Pending pending{right.u, 0.0};
+    for (Index i = 0; i < k; ++i) {
+      const Link link = link_of(right, i, n - k);
+      apply_link(link, pending, {w.row(0, i), w.ld, nullptr}, columns.from(k));
+      pending = {link.u, link.scale};
+    }
+    settle(n - k, pending, columns.from(k));
     empty_slabs(n, columns.n_cols, w, x + c * n, n);
   }
 }
 
 namespace {
 
-// The rows 0 ... k-1 of [R S] wait for the reflections from the right side by side in the lanes, S in slabs.
-// They are turned in blocks, which stay in the cache: first by the reflections of the rows below the block,
-// then by those of its own rows.
+// The rows 0 ... k-1 of [R S] wait for the reflections from the right side by side in the lanes, S in
+// slabs. They are turned in blocks, which stay in the cache: first by the reflections of the rows below the
+// block, then by those of its own rows.
 class Compression {
  public:
   Compression(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch)
@@ -122,24 +114,15 @@ class Compression {
     for (Index t = 0; t < n_slabs * kLanes; ++t) pivots[t] = t < n_rows ? column[t] : kDead;
     const Link link = link_of(right_, i, n_);
     if (pending_.u == nullptr) pending_.u = link.u;  // nothing is pending; something has to be read
-    for_groups(0, n_slabs, [&](auto group, Index slab) {
-      const PivotRow pivot{pivots + slab * kLanes, kLanes, nullptr};
-      apply_link<decltype(group)::value>(link, pending_, pivot, rows_.w.row(first + slab, 0), rows_.w.ld,
-                                         rows_.sums + (first + slab) * kLanes, nullptr);
-    });
+    apply_link(link, pending_, {pivots, kLanes, nullptr},
+               {n_slabs, rows_.w.row(first, 0), rows_.w.ld, rows_.sums + begin, nullptr});
     for (Index t = 0; t < n_rows; ++t) column[t] = pivots[t];
     pending_ = {link.u, link.scale};
   }
 
   // Brings row i up to date and to the ranges of the reflections.
   void take_row(Index i) {
-    const double* const from = rows_.w.column(i);
-    double* const u = right_.u + i * right_.ld;
-    const double sum = rows_.sums[i];
-    const double factor = sum * pending_.scale;
-    for (Index l = 0; l < n_; ++l) {
-      u[l] = sum == 0.0 ? from[l * kLanes] : from[l * kLanes] + factor * pending_.u[l];
-    }
+    settle_column(n_, rows_.w.column(i), rows_.sums[i], pending_, right_.u + i * right_.ld);
   }
 
   Index k_;
@@ -147,7 +130,7 @@ class Compression {
   Index n_;  // columns of S
   double* r_;
   const Reflections& right_;
-  Columns rows_;
+  Chain rows_;
   Pending pending_{nullptr, 0.0};
 };
 
