@@ -13,6 +13,8 @@ void turn(Index k, Index n, Index p, const Reflections& right, double* x, double
 
 namespace {
 
+constexpr Index kFew = 16;
+
 // The matrix on its way from A to [R S].
 class Triangularization {
  public:
@@ -27,9 +29,9 @@ class Triangularization {
         r_(r),
         left_(left),
         perm_(perm),
-        pending_{a, 0.0} {
+        nothing_(nothing_pending(m, sums_ + n_slabs_ * kLanes, n_slabs_, sums_)),
+        pending_(nothing_) {
     fill_slabs(m, n, a, m, w_);
-    for (Index l = 0; l < n_slabs_ * kLanes; ++l) sums_[l] = 0.0;  // nothing is pending
   }
 
   void run() {
@@ -46,16 +48,24 @@ class Triangularization {
   }
 
  private:
+  // The first of the longest columns from j on; j if its length is NaN, for nothing is greater.
   Index longest(Index j) const {
-    Lanes best = splat(lengths_[j]);  // a NaN stays: nothing is greater
+    if (n_ - j <= kFew) {
+      Index best = j;
+      for (Index l = j + 1; l < n_; ++l) {
+        if (lengths_[l] > lengths_[best]) best = l;
+      }
+      return best;
+    }
+    Lanes most = splat(lengths_[j]);
     for (Index l = j - j % kLanes; l < n_; l += kLanes) {
       const Lanes length = load(lengths_ + l);
-      best = select(length > best, length, best);
+      most = select(length > most, length, most);
     }
-    double most = best[0];
-    for (Index l = 1; l < kLanes; ++l) most = best[l] > most ? best[l] : most;
+    double best = most[0];
+    for (Index l = 1; l < kLanes; ++l) best = most[l] > best ? most[l] : best;
     for (Index l = j; l < n_; ++l) {
-      if (lengths_[l] == most) return l;
+      if (lengths_[l] == best) return l;
     }
     return j;
   }
@@ -67,6 +77,7 @@ class Triangularization {
     }
     const Index first = j / kLanes;
     settle(m_ - j, pending_, columns_from(first, j));
+    pending_ = nothing_;
     for (Index l = first * kLanes; l < j; ++l) lengths_[l] = kDead;
     return longest(j);
   }
@@ -130,6 +141,7 @@ class Triangularization {
   double* r_;
   Reflections left_;
   int* perm_;
+  Pending nothing_;
   Pending pending_;  // from row j on
   double reference_ = 0.0;
 };

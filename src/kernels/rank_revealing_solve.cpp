@@ -16,14 +16,14 @@ struct Chain {
   Index n_slabs;
   Slabs w;
   double* sums;
+  Pending nothing;
 
   Chain(Index n_rows, Index columns, double* scratch)
       : n_cols(columns),
         n_slabs(slabs_for(columns)),
         w(slabs_in(scratch, n_rows)),
-        sums(w.data + n_slabs * w.ld) {
-    for (Index l = 0; l < n_slabs * kLanes; ++l) sums[l] = 0.0;
-  }
+        sums(w.data + n_slabs * w.ld),
+        nothing(nothing_pending(n_rows, sums + n_slabs * kLanes, n_slabs, sums)) {}
 
   Columns from(Index row) const { return {n_slabs, w.row(0, row), w.ld, sums, nullptr}; }
 };
@@ -40,7 +40,7 @@ void apply_left(Index k, Index m, Index p, const Reflections& left, const double
     const Chain columns(m, smaller(p - c, kSlabs * kLanes), scratch);
     const Slabs& w = columns.w;
     fill_slabs(m, columns.n_cols, b + c * m, m, w);
-    Pending pending{left.u, 0.0};
+    Pending pending = columns.nothing;
     const double* at_pivot = nullptr;
     for (Index j = 0; j < k; ++j) {  // later reflections leave the first k rows as they are
       const Link link = link_of(left, j, m - j - 1);
@@ -57,7 +57,7 @@ void turn(Index k, Index n, Index p, const Reflections& right, double* x, double
     const Chain columns(n, smaller(p - c, kSlabs * kLanes), scratch);
     const Slabs& w = columns.w;
     fill_slabs(n, columns.n_cols, x + c * n, n, w);
-    Pending pending{right.u, 0.0};
+    Pending pending = columns.nothing;
     for (Index i = 0; i < k; ++i) {
       const Link link = link_of(right, i, n - k);
       apply_link(link, pending, {w.row(0, i), w.ld, nullptr}, columns.from(k));
@@ -95,7 +95,7 @@ class Compression {
 
  private:
   void turn_block(Index begin, Index end) {
-    pending_ = {nullptr, 0.0};
+    pending_ = rows_.nothing;
     for (Index i = k_ - 1; i >= end; --i) apply(i, begin, end);
     for (Index i = end - 1; i >= begin; --i) {
       take_row(i);
@@ -113,7 +113,6 @@ class Compression {
     const Index n_slabs = slabs_for(n_rows);
     for (Index t = 0; t < n_slabs * kLanes; ++t) pivots[t] = t < n_rows ? column[t] : kDead;
     const Link link = link_of(right_, i, n_);
-    if (pending_.u == nullptr) pending_.u = link.u;  // nothing is pending; something has to be read
     apply_link(link, pending_, {pivots, kLanes, nullptr},
                {n_slabs, rows_.w.row(first, 0), rows_.w.ld, rows_.sums + begin, nullptr});
     for (Index t = 0; t < n_rows; ++t) column[t] = pivots[t];
@@ -131,7 +130,7 @@ class Compression {
   double* r_;
   const Reflections& right_;
   Chain rows_;
-  Pending pending_{nullptr, 0.0};
+  Pending pending_ = rows_.nothing;
 };
 
 }  // namespace

@@ -14,16 +14,8 @@ constexpr Index kGroup = 6;
 
 // The largest of `first` and the magnitudes of n entries.  A NaN in `first` stays, others do not count.
 inline double largest_magnitude(Index n, const double* x, double first) {
-  Lanes most = splat(first);
-  Index i = 0;
-  for (; i + kLanes <= n; i += kLanes) {
-    const Lanes v = load(x + i);
-    const Lanes magnitude = v < 0.0 ? -v : v;
-    most = magnitude > most ? magnitude : most;
-  }
-  double largest = most[0];
-  for (Index l = 1; l < kLanes; ++l) largest = most[l] > largest ? most[l] : largest;
-  for (; i < n; ++i) largest = std::fabs(x[i]) > largest ? std::fabs(x[i]) : largest;
+  double largest = first;
+  for (Index i = 0; i < n; ++i) largest = std::fabs(x[i]) > largest ? std::fabs(x[i]) : largest;
   return largest;
 }
 
@@ -145,7 +137,7 @@ inline void settle_group(Index n, const Pending& pending, Index ld, const Group&
   Lanes squares[V]{};
   pass<V, Term::square>(n, group.rows, ld, updates, pending.u, pending.u, squares);
   for (Index k = 0; k < V; ++k) {
-    store(group.sums + k * kLanes, Lanes{});
+    store(group.sums + k * kLanes, splat(1.0));
     if (group.lengths != nullptr) store(group.lengths + k * kLanes, squares[k]);
   }
 }
@@ -228,6 +220,12 @@ void build_reflection(double& pivot, Index n, const double* range, double& up, d
   up = pivot - s;
   pivot = s;
   scale = reflection_scale(s, up);
+}
+
+Pending nothing_pending(Index n, double* ones, Index n_slabs, double* sums) {
+  for (Index i = 0; i < n; ++i) ones[i] = 1.0;
+  for (Index k = 0; k < n_slabs; ++k) store(sums + k * kLanes, splat(1.0));
+  return {ones, -0.0};
 }
 
 void settle_column(Index n, const double* from, double sum, const Pending& pending,

@@ -15,7 +15,7 @@
 //
 // Every column has its own operations, in the order that reflection.h states.  A sum of exactly 0 leaves
 // its column alone, which is not the same as adding 0 * u; a group of slabs that has such a column takes a
-// pass that blends.  So a sum of 0 also stands for "nothing is pending".  Lanes that hold no column, or
+// pass that blends.  Lanes that hold no column, or
 // none any longer, hold NaN: their sums are never 0.
 namespace tnla_kernels::TNLA_SET {
 
@@ -44,10 +44,15 @@ void empty_slabs(Index n_rows, Index n_cols, const Slabs& w, double* a, Index ld
 void build_reflection(double& pivot, Index n, const double* range, double& up, double& scale);
 
 // What is still to be added to the rows of a pass: sum * scale * u.
+//
+// Nothing is pending if sum is 1, scale -0.0 and u holds ones: adding -0.0 leaves every number as it is.
 struct Pending {
   const double* u;
   double scale;
 };
+
+// Makes n ones, and `sums` of the slabs so that nothing is pending.
+Pending nothing_pending(Index n, double* ones, Index n_slabs, double* sums);
 
 // The n rows of one column, after the addition of what is pending, to `column`.
 void settle_column(Index n, const double* from, double sum, const Pending& pending, double* column);
@@ -80,7 +85,8 @@ struct Columns {
 // squares of the pivot row subtracted from the lengths.
 void apply_link(const Link& link, const Pending& pending, const PivotRow& pivot, const Columns& columns);
 
-// Adds what is pending to n rows.  The lengths become the sums of their squares, from +0.0 on.
+// Adds what is pending to n rows, and leaves the sums 1.  The lengths become the sums of their squares,
+// from +0.0 on.
 void settle(Index n, const Pending& pending, const Columns& columns);
 
 }  // namespace tnla_kernels::TNLA_SET
