@@ -67,6 +67,7 @@ template <class M>
 void TnLaTHFTIDecompo<M>::turn_back(Index n_cols, double* x, double* scratch) const {
   if (rank_ < n_) best.rank_revealing.turn(rank_, n_, n_cols, right_, x, scratch);
   for (Index i = d_; i-- > 0;) {
+    if (perm_[i] == i) continue;
     for (Index c = 0; c < n_cols; ++c) std::swap(x[c * n_ + perm_[i]], x[c * n_ + i]);
   }
 }
@@ -83,7 +84,7 @@ void TnLaTHFTIDecompo<M>::solve(const M& B, M& X) const {
   double* const s = scratch.take<double>(0);
   X.resize(static_cast<std::size_t>(n_), B.n_cols(), false);
   double* const x = TnLaAccess::elements(X);
-  std::fill_n(x, n_ * p, 0.0);  // a small matrix is not cleared by resize
+  if (rank_ < n_) std::fill_n(x, n_ * p, 0.0);  // a small matrix is not cleared by resize
   if (rank_ == 0) return;
 
   best.rank_revealing.apply_left(rank_, m_, p, left_, TnLaAccess::elements(B), x, n_, s);

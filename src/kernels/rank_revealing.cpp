@@ -42,7 +42,7 @@ class Triangularization {
       reference_ = lengths_[j];
       take_column(j, pivot);
       build(j);
-      apply(j);
+      if (j + 1 < n_) apply(j);
     }
     write_triangle(d);
   }
@@ -139,7 +139,7 @@ class Triangularization {
   double* lengths_;  // squared, of the rows from j on
   double* sums_;
   double* r_;
-  Reflections left_;
+  const Reflections& left_;
   int* perm_;
   Pending nothing_;
   Pending pending_;  // from row j on
