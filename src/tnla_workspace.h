@@ -28,5 +28,5 @@ class TnLaWorkspace {
  private:
   std::unique_ptr<std::byte[]> heap_;
   std::byte* next_;
-  alignas(64) std::byte inside_[kInside];
+  alignas(double) std::byte inside_[kInside];
 };

@@ -92,7 +92,7 @@ TEST(RankRevealing, FollowsItsDefinitionForLargerSystems) {
                              {129, 130}}) {
     for (const std::size_t rank : {std::min(m, n), std::min(m, n) * 3 / 4}) {
       const Matrix A = random_of_rank(random, m, n, rank);
-      for (const std::size_t p : {1, 2, 16, 17, 40}) {
+      for (const std::size_t p : {1u, 2u, 16u, 17u, 40u}) {
         expect_solves(A, random_matrix(random, m, p), 1e-10);
       }
       expect_solves(random, A, 1e-10);

@@ -13,6 +13,8 @@ void turn(Index k, Index n, Index p, const Reflections& right, double* x, double
 
 namespace {
 
+// So few columns are searched one by one: their branches are predicted where vectors wait for each other
+// (rank_revealing, n = 8: 703 to 676 ns).
 constexpr Index kFew = 16;
 
 // The matrix on its way from A to [R S].
@@ -83,7 +85,7 @@ class Triangularization {
   }
 
   // Brings column `pivot` up to date and to r, whose column j it is from now on, and puts column j in its
-  // place.
+  // place.  The lane of column j dies: the NaN in its pivot row spreads by its sum.
   void take_column(Index j, Index pivot) {
     double* const from = w_.column(pivot);
     double* const to = w_.column(j);

@@ -48,7 +48,8 @@ struct RankRevealingKernels {
   // Scratch: columns_scratch(n - k, k).
   void (*compress)(Index k, Index m, Index n, double* r, const Reflections& right, double* scratch);
 
-  // x = the first k rows of (Q b), for p columns: b is m x p, x has the leading dimension ldx.
+  // x = the first k rows of Q b, for p columns: b is m x p, x has the leading dimension ldx.  The left
+  // reflections from number k on are not applied: they leave these rows as they are.
   //
   // Scratch: columns_scratch(m, min(p, kTogether)).
   void (*apply_left)(Index k, Index m, Index p, const Reflections& left, const double* b, double* x,
@@ -63,7 +64,7 @@ struct RankRevealingKernels {
 // Scratch, in doubles, for columns side by side in vectors of up to kWidest.
 inline constexpr Index kWidest = 8;
 inline constexpr Index kTogether =
-    4 * kWidest;  // more rows or right sides are taken one such group after the other
+    4 * kWidest;  // more right sides are taken one such group after the other
 
 constexpr Index columns_scratch(Index n_rows, Index n_cols) { return (n_rows + 12) * (n_cols + kWidest); }
 

@@ -19,6 +19,7 @@ inline double largest_magnitude(Index n, const double* x, double first) {
   return largest;
 }
 
+// What is pending for V slabs: each column's factor of u, or to leave it alone.
 template <Index V>
 struct Updates {
   Lanes factor[V];
