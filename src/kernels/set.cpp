@@ -13,8 +13,8 @@ CholeskyKernels cholesky_kernels();
 JacobiKernels jacobi_kernels();
 
 KernelSet kernel_set() {
-  return {elementwise_kernels(),    product_kernels(),    reflection_kernels(),
-          rank_revealing_kernels(), triangular_kernels(), cholesky_kernels(), jacobi_kernels()};
+  return {elementwise_kernels(), product_kernels(),  reflection_kernels(), rank_revealing_kernels(),
+          triangular_kernels(),  cholesky_kernels(), jacobi_kernels()};
 }
 
 }  // namespace tnla_kernels::TNLA_SET
