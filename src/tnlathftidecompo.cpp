@@ -4,169 +4,105 @@
 #include <cmath>
 
 #include "kernels/kernel_set.h"
-#include "kernels/reductions.h"
 #include "tnla_access.h"
 #include "tnla_instances.h"
-#include "tnla_reflections.h"
 
+using tnla_kernels::best;
+using tnla_kernels::columns_scratch;
 using tnla_kernels::Index;
 
 namespace {
 
 constexpr char kFile[] = "src/tnlathftidecompo.cpp";
 
-// The downdated column lengths are trusted while this fraction of the longest still shows against the
-// reference length.
-constexpr double kLengthFraction = 0.001;
+std::size_t doubles(Index n) { return static_cast<std::size_t>(n) * sizeof(double); }
 
-// The column that step j eliminates: the longest of j ... n-1, over the rows j ... m-1.  `h` holds their
-// squared lengths; the first of equal lengths wins.
-//
-// From step to step the lengths are downdated by the row that was finished last.  They are computed anew
-// when cancellation may have eaten them up.  The reference of that test is h[previous], what the
-// interchange of step j-1 left at the place of its pivot, and not, as in the book, the largest length at
-// the last full computation.
-std::size_t choose_pivot(const double* a, std::size_t m, std::size_t n, std::size_t j, std::size_t previous,
-                         double* h) {
-  std::size_t longest = j;
-  if (j > 0) {
-    const double reference = h[previous];
-    for (std::size_t l = j; l < n; ++l) {
-      const double finished = a[l * m + j - 1];
-      h[l] -= finished * finished;
-      if (h[l] > h[longest]) longest = l;
-    }
-    if ((reference + kLengthFraction * h[longest]) - reference > 0.0) return longest;
-    longest = j;
-  }
-  for (std::size_t l = j; l < n; ++l) {
-    h[l] = tnla_kernels::sum_of_squares(static_cast<Index>(m - j), a + l * m + j);
-    if (h[l] > h[longest]) longest = l;
-  }
-  return longest;
+// R or W with the ranges, up and scale of at most d reflections from either side, and the interchanges.
+std::size_t decomposition_size(Index m, Index n) {
+  const Index d = std::min(m, n);
+  return doubles(m * n + 4 * d) + static_cast<std::size_t>(d) * sizeof(int);
+}
+
+std::size_t scratch_size(Index n_rows, Index n_cols) {
+  return doubles(columns_scratch(n_rows, std::min(n_cols, tnla_kernels::kTogether)));
 }
 
 }  // namespace
 
 template <class M>
-TnLaTHFTIDecompo<M>::TnLaTHFTIDecompo() : A_(nullptr), rank_(-1) {}
+TnLaTHFTIDecompo<M>::TnLaTHFTIDecompo(const M& A, double tol)
+    : m_(static_cast<Index>(A.n_rows())),
+      n_(static_cast<Index>(A.n_cols())),
+      d_(std::min(m_, n_)),
+      block_(decomposition_size(m_, n_)) {
+  const std::size_t d = static_cast<std::size_t>(d_);
+  r_ = block_.template take<double>(A.n_rows() * A.n_cols());
+  left_ = {r_ + 1, m_ + 1, block_.template take<double>(d), block_.template take<double>(d)};
+  right_ = {nullptr, 0, block_.template take<double>(d), block_.template take<double>(d)};
+  perm_ = block_.template take<int>(d);
 
-// Delegates, so that the destructor frees what is there if a later allocation fails.
-template <class M>
-TnLaTHFTIDecompo<M>::TnLaTHFTIDecompo(const M& A, double tol) : TnLaTHFTIDecompo() {
-  A_ = new M(A);
-  perm_.set_size(A_->n_cols(), false);
-  triangularize();           // Q A P = [R S; 0 e]
-  rank_ = pseudo_rank(tol);  // e is noise: the diagonal reaches tol up to rank_ only
-  compress();                // [R S] K = [W 0], for the shortest solution
-}
-
-template <class M>
-TnLaTHFTIDecompo<M>::~TnLaTHFTIDecompo() {
-  delete A_;
-  tnla_delete_reflections(left_);
-  tnla_delete_reflections(right_);
-}
-
-template <class M>
-void TnLaTHFTIDecompo<M>::triangularize() {
-  const std::size_t m = A_->n_rows();
-  const std::size_t n = A_->n_cols();
-  double* const a = TnLaAccess::elements(*A_);
-  TnArray<double> lengths;
-  lengths.set_size(n, false);
-  double* const h = lengths.data();
-
-  std::size_t pivot = 0;
-  for (std::size_t j = 0; j < std::min(m, n); ++j) {
-    pivot = choose_pivot(a, m, n, j, pivot, h);
-    perm_[j] = static_cast<int>(pivot);
-    if (pivot != j) {
-      A_->swap_cols(j, pivot);
-      h[pivot] = h[j];
-    }
-    if (j + 1 == m) break;  // nothing below the diagonal of the last row
-    double* const column = a + j * m;
-    const int row = static_cast<int>(j);
-    tnla_reflect_and_keep(left_, row, row + 1, static_cast<int>(m), column, 1, column + m,
-                          static_cast<Index>(m), n - j - 1);
+  TnLaWorkspace scratch(doubles(columns_scratch(m_, n_)));
+  double* const s = scratch.take<double>(0);
+  best.rank_revealing.triangularize(m_, n_, TnLaAccess::elements(A), r_, left_, perm_,
+                                    s);  // Q A P = [R S; 0 e]
+  rank_ = pseudo_rank(tol);              // e is noise: the diagonal reaches tol up to rank_ only
+  if (rank_ < n_) {                      // [R S] K = [W 0], for the shortest solution
+    right_.u = r_ + rank_ * m_;
+    right_.ld = n_ - rank_;
+    TnLaWorkspace rows(doubles(columns_scratch(n_ - rank_, rank_)));
+    best.rank_revealing.compress(rank_, m_, n_, r_, right_, rows.take<double>(0));
   }
 }
 
 // The number of diagonal entries before the first one below tol.
 template <class M>
-int TnLaTHFTIDecompo<M>::pseudo_rank(double tol) const {
-  const std::size_t m = A_->n_rows();
-  const std::size_t d = std::min(m, A_->n_cols());
-  const double* const a = TnLaAccess::elements(*A_);
-  std::size_t k = 0;
-  while (k < d && !(tol > std::fabs(a[k * m + k]))) ++k;
-  return static_cast<int>(k);
+Index TnLaTHFTIDecompo<M>::pseudo_rank(double tol) const {
+  Index k = 0;
+  while (k < d_ && !(tol > std::fabs(r_[k * m_ + k]))) ++k;
+  return k;
 }
 
+// The reflections from the right, that of row 0 first, and then the interchanges, last one first.
 template <class M>
-void TnLaTHFTIDecompo<M>::compress() {
-  const std::size_t m = A_->n_rows();
-  const int n = static_cast<int>(A_->n_cols());
-  double* const a = TnLaAccess::elements(*A_);
-  if (rank_ == n) return;
-  for (int i = rank_ - 1; i >= 0; --i) {
-    tnla_reflect_and_keep(right_, i, rank_, n, a + i, static_cast<int>(m), a, 1,
-                          static_cast<std::size_t>(i));
-  }
-}
-
-// Exchanges rows perm_[i] and i, last exchange first.
-template <class M>
-void TnLaTHFTIDecompo<M>::undo_interchanges(double* x, std::size_t n_cols) const {
-  const std::size_t n = perm_.size();
-  for (std::size_t i = std::min(A_->n_rows(), n); i-- > 0;) {
-    const std::size_t j = static_cast<std::size_t>(perm_[i]);
-    for (std::size_t c = 0; c < n_cols; ++c) std::swap(x[c * n + j], x[c * n + i]);
+void TnLaTHFTIDecompo<M>::turn_back(Index n_cols, double* x, double* scratch) const {
+  if (rank_ < n_) best.rank_revealing.turn(rank_, n_, n_cols, right_, x, scratch);
+  for (Index i = d_; i-- > 0;) {
+    if (perm_[i] == i) continue;
+    for (Index c = 0; c < n_cols; ++c) std::swap(x[c * n_ + perm_[i]], x[c * n_ + i]);
   }
 }
 
 template <class M>
 void TnLaTHFTIDecompo<M>::solve(const M& B, M& X) const {
-  const std::size_t m = A_->n_rows();
-  const std::size_t n = A_->n_cols();
-  const std::size_t p = B.n_cols();
-  TN_ASSERT(kFile, B.n_rows() == m);
-  M W(B);  // becomes Q' B; copied before X changes, so that an X that is B reads no foreign memory
-  X.resize(n, p, false);
+  if (&B == &X) {  // reads no foreign memory all the same
+    solve(M(B), X);
+    return;
+  }
+  const Index p = static_cast<Index>(B.n_cols());
+  TN_ASSERT(kFile, static_cast<Index>(B.n_rows()) == m_);
+  TnLaWorkspace scratch(scratch_size(std::max(m_, n_), p));  // before X changes
+  double* const s = scratch.take<double>(0);
+  X.resize(static_cast<std::size_t>(n_), B.n_cols(), false);
   double* const x = TnLaAccess::elements(X);
-  std::fill_n(x, n * p, 0.0);  // a small matrix is not cleared by resize
+  if (rank_ < n_) std::fill_n(x, n_ * p, 0.0);  // a small matrix is not cleared by resize
   if (rank_ == 0) return;
 
-  double* const w = TnLaAccess::elements(W);
-  for (std::size_t i = 0; i < left_.size(); ++i) {
-    TnLaAccess::reflect(*left_[i], w, 1, static_cast<Index>(m), p);
-  }
-
-  for (std::size_t c = 0; c < p; ++c) std::copy_n(w + c * m, rank_, x + c * n);
-  tnla_kernels::best.triangular.back_substitute(rank_, TnLaAccess::elements(*A_), static_cast<Index>(m), x,
-                                                static_cast<Index>(n), static_cast<Index>(p));
-  for (std::size_t i = right_.size(); i-- > 0;) {  // the free unknowns are still zero
-    TnLaAccess::reflect(*right_[i], x, 1, static_cast<Index>(n), p);
-  }
-  undo_interchanges(x, p);
+  best.rank_revealing.apply_left(rank_, m_, p, left_, TnLaAccess::elements(B), x, n_, s);
+  best.triangular.back_substitute(rank_, r_, m_, x, n_, p);
+  turn_back(p, x, s);  // the free unknowns are still zero
 }
 
 template <class M>
 void TnLaTHFTIDecompo<M>::null_space(M& Z) const {
-  const std::size_t n = A_->n_cols();
-  const std::size_t k = static_cast<std::size_t>(rank_);
-  if (k >= n) {
+  if (rank_ == n_) {
     Z.resize(0, 0, true);
     return;
   }
-  Z.resize(n, n - k, true);
-  Z.set_diagonal(1.0, -rank_);
-  double* const z = TnLaAccess::elements(Z);
-  for (std::size_t i = right_.size(); i-- > 0;) {
-    TnLaAccess::reflect(*right_[i], z, 1, static_cast<Index>(n), n - k);
-  }
-  undo_interchanges(z, n - k);
+  const Index n_free = n_ - rank_;
+  TnLaWorkspace scratch(scratch_size(n_, n_free));  // before Z changes
+  Z.resize(static_cast<std::size_t>(n_), static_cast<std::size_t>(n_free), true);
+  Z.set_diagonal(1.0, -static_cast<int>(rank_));
+  turn_back(n_free, TnLaAccess::elements(Z), scratch.take<double>(0));
 }
 
 #define TNLA_INSTANTIATE(M) template class TnLaTHFTIDecompo<M>;

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "tnarray_i.h"
+#include <cstddef>
+
+#include "kernels/rank_revealing.h"
 #include "tnla_matrix_vector_i.h"
-#include "tnlahouseholder_i.h"
+#include "tnla_workspace.h"
 
 // The rank-revealing decomposition Q A P = [R S; 0 e], and least squares of minimal length by it.
 //
@@ -14,10 +16,11 @@
 // reflections K from the right turn [R S] into [W 0], W upper triangular; the unknowns beyond k are then
 // set to zero, which makes the solution the shortest.  The tolerance is absolute.
 //
-// The object owns a copy of A and its reflections.  std::bad_alloc leaves nothing behind.
+// The object holds R or W, the reflections and the interchanges in one block, inside itself where the
+// matrix is small.  std::bad_alloc leaves nothing behind, and X and Z as they were.
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI).  Departures: the absolute
-// tolerance, and the reference value of the recompute test in choose_pivot (see there).
+// tolerance, and the reference value of the recompute test of the pivot choice (kernels/rank_revealing.h).
 template <class M>
 class TnLaTHFTIDecompo {
  public:
@@ -25,9 +28,10 @@ class TnLaTHFTIDecompo {
   TnLaTHFTIDecompo(const M& A, double tol);
   TnLaTHFTIDecompo(const TnLaTHFTIDecompo&) = delete;
   TnLaTHFTIDecompo& operator=(const TnLaTHFTIDecompo&) = delete;
-  virtual ~TnLaTHFTIDecompo();
 
-  int rank() const { return rank_; }
+  virtual ~TnLaTHFTIDecompo() = default;
+
+  int rank() const { return static_cast<int>(rank_); }
 
   // X = the n x p solution of A X = B of minimal length; zero where the rank is 0.  Asserted: B has m
   // rows.  X must not be B.
@@ -38,15 +42,18 @@ class TnLaTHFTIDecompo {
   void null_space(M& Z) const;
 
  private:
-  TnLaTHFTIDecompo();
-  void triangularize();
-  int pseudo_rank(double tol) const;
-  void compress();
-  void undo_interchanges(double* x, std::size_t n_cols) const;
+  using Index = tnla_kernels::Index;
 
-  M* A_;
-  int rank_;
-  TnArray<TnLaHouseholder*> left_;   // Q: on columns, in the order of creation
-  TnArray<TnLaHouseholder*> right_;  // K: on rows k-1 ... 0, in the order of creation
-  TnArray<int> perm_;                // perm_[j]: the column that step j brought to place j
+  Index pseudo_rank(double tol) const;
+  void turn_back(Index n_cols, double* x, double* scratch) const;
+
+  Index m_;
+  Index n_;
+  Index d_;  // the smaller one
+  Index rank_;
+  TnLaWorkspace block_;
+  double* r_;  // below the diagonal the ranges of left_, right of the rank those of right_
+  tnla_kernels::Reflections left_;   // Q: on columns, in the order of creation
+  tnla_kernels::Reflections right_;  // K: number i on row i, created from the last to the first
+  int* perm_;                        // perm_[j]: the column that step j brought to place j
 };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "reference/decomposition_reference.h"
+#include "support/allocation.h"
 #include "support/assertions.h"
 #include "support/bits.h"
 #include "support/decomposition_types.h"
@@ -77,6 +78,26 @@ TEST(RankRevealing, FollowsItsDefinitionForAllRanks) {
       expect_solves(random, A, 1e-10);
     }
   });
+}
+
+// From what the object holds within itself to what takes the heap, and more right sides than one group.
+TEST(RankRevealing, FollowsItsDefinitionForLargerSystems) {
+  Random random(8);
+  for (const auto& [m, n] : {std::pair<std::size_t, std::size_t>{20, 20},
+                             {21, 22},
+                             {22, 23},
+                             {64, 64},
+                             {100, 37},
+                             {37, 100},
+                             {129, 130}}) {
+    for (const std::size_t rank : {std::min(m, n), std::min(m, n) * 3 / 4}) {
+      const Matrix A = random_of_rank(random, m, n, rank);
+      for (const std::size_t p : {1u, 2u, 16u, 17u, 40u}) {
+        expect_solves(A, random_matrix(random, m, p), 1e-10);
+      }
+      expect_solves(random, A, 1e-10);
+    }
+  }
 }
 
 // Small integers: many columns of equal length, and differences that cancel to zero.
@@ -328,6 +349,47 @@ TEST(NullSpace, AMatrixThatIsNotEmptyKeepsItsEntriesInTheStartBasis) {
   }
 }
 
+// --- Memory ---------------------------------------------------------------------------------------------
+
+// The result may take the place of the matrix, and even that of the right sides.
+TEST(RankRevealing, TheSolutionMayReplaceWhatItComesFrom) {
+  Random random(9);
+  for (const auto& [m, n] :
+       {std::pair<std::size_t, std::size_t>{3, 3}, {9, 5}, {5, 9}, {60, 60}, {40, 70}}) {
+    for (const std::size_t rank : {std::min(m, n), std::min(m, n) / 2}) {
+      const Matrix A = random_of_rank(random, m, n, rank);
+      const Matrix B = random_matrix(random, m, 3);
+      const Matrix expected = RankRevealing(A, 1e-10).solve(B);
+      TnLaDblMat in_place_of_A = dense(A);
+      tnla_linearsolve(in_place_of_A, dense(B), in_place_of_A, 1e-10, nullptr, nullptr);
+      EXPECT_SAME_MATRIX(in_place_of_A, expected);
+      TnLaDblMat in_place_of_B = dense(B);
+      tnla_linearsolve(dense(A), in_place_of_B, in_place_of_B, 1e-10, nullptr, nullptr);
+      EXPECT_SAME_MATRIX(in_place_of_B, expected);
+    }
+  }
+}
+
+// A dense system of order 12 or less takes no memory if X has a block that is large enough.
+TEST(RankRevealing, ASmallDenseSystemAllocatesNothingButItsResult) {
+  Random random(10);
+  for (std::size_t n = 1; n <= 12; ++n) {
+    for (const std::size_t rank : {n, n / 2}) {
+      const TnLaDblMat A = dense(random_of_rank(random, n, n, rank));
+      const TnLaDblMat B = dense(random_matrix(random, n, 2));
+      TnLaDblMat X(n, 2, 0.0);
+      int found = kNotWritten;
+      const std::size_t before = allocation::made();
+      tnla_linearsolve<TnLaDblMat>(A, B, X, 1e-10, &found, nullptr);
+      EXPECT_EQ(allocation::made(), before) << n;
+      EXPECT_EQ(found, static_cast<int>(rank));
+      TnLaDblMat fresh;
+      tnla_linearsolve<TnLaDblMat>(A, B, fresh, 1e-10, nullptr, nullptr);
+      EXPECT_EQ(allocation::made(), before + 1) << n;
+    }
+  }
+}
+
 // --- Small types ----------------------------------------------------------------------------------------
 
 // A small null space keeps its shape: the first columns take the basis, the others stay.
@@ -387,6 +449,26 @@ TEST(RankRevealingSmall, IsThatOfTheDenseMatrixForAllSizesAndRanks) {
       expect_solves(random, A, 1e-3);
     }
     expect_small_solves<n>(Matrix(n, n), random_matrix(random, n, n), kNaN, identity(n));
+  });
+}
+
+TEST(RankRevealingSmall, AllocatesNothing) {
+  for_all_small_sizes([](auto size) {
+    constexpr std::size_t n = size;
+    Random random(n);
+    for (std::size_t rank = 0; rank <= n; ++rank) {
+      const Small<n> A = as<Small<n>>(random_of_rank(random, n, n, rank));
+      const Small<n> B = as<Small<n>>(random_matrix(random, n, n));
+      Small<n> X;
+      Small<n> Z;
+      int found = kNotWritten;
+      const AssertionLog log;
+      kit_assertion_handler = nullptr;  // the null space has another shape
+      const std::size_t before = allocation::made();
+      tnla_linearsolve(A, B, X, 1e-10, &found, &Z);
+      EXPECT_EQ(allocation::made(), before) << "size " << n << ", rank " << rank;
+      EXPECT_EQ(found, static_cast<int>(rank));
+    }
   });
 }
 

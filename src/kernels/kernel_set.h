@@ -6,6 +6,7 @@
 #include "elementwise.h"
 #include "jacobi.h"
 #include "product.h"
+#include "rank_revealing.h"
 #include "reflection.h"
 #include "triangular.h"
 
@@ -17,6 +18,7 @@ struct KernelSet {
   ElementwiseKernels elementwise;
   ProductKernels product;
   ReflectionKernels reflection;
+  RankRevealingKernels rank_revealing;
   TriangularKernels triangular;
   CholeskyKernels cholesky;
   JacobiKernels jacobi;
