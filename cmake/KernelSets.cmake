@@ -12,7 +12,7 @@ endfunction()
 
 set(TNLA_SET_SOURCES
     src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp src/kernels/product.cpp
-    src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/triangular.cpp)
+    src/kernels/qr.cpp src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/triangular.cpp)
 
 # What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
 tnla_kernel_set(portable 2)

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "kernels/kernel_set.h"
+#include "tnla_reflections.h"
 
 using tnla_kernels::Index;
 
@@ -15,16 +16,11 @@ constexpr double kNoMinimumYet = 1e20;       // where the search for the smalles
 
 // A = Q R for the first n columns of the m x n_total matrix, and Q' of the others.
 void triangularize(std::size_t m, std::size_t n, std::size_t n_total, double* a) {
-  for (std::size_t j = 0; j < n && j + 1 < m; ++j) {
-    double* const pivot = a + j * (m + 1);
-    const auto range = static_cast<Index>(m - j - 1);
-    double up = 0.0;
-    if (!tnla_kernels::best.reflection.make(*pivot, range, pivot + 1, 1, up)) continue;
-    const double scale = tnla_kernels::reflection_scale(*pivot, up);
-    if (scale == 0.0) continue;
-    tnla_kernels::best.reflection.reflect(up, pivot + 1, 1, range, scale, pivot + m, pivot + m + 1, 1,
-                                          static_cast<Index>(m), static_cast<Index>(n_total - j - 1));
-  }
+  if (m == 0) return;
+  TnLaQrScratch scratch(m, n_total, n);
+  const auto rows = static_cast<Index>(m);
+  tnla_kernels::best.qr.factor(rows, static_cast<Index>(n), static_cast<Index>(n_total), a, rows,
+                               scratch.reflections(), scratch.slabs());
 }
 
 }  // namespace

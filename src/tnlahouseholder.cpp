@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include "kernels/kernel_set.h"
@@ -56,6 +57,14 @@ TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int 
     u[i] = v[i * incr];
     v[i * incr] = 0.0;
   }
+}
+
+TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, const double* range, double up,
+                                 double scale)
+    : j_pivot_(j_pivot), j_zero_(j_zero), scale_(scale) {
+  u_.set_size(static_cast<std::size_t>(n), false);
+  u_[static_cast<std::size_t>(j_pivot)] = up;
+  std::copy_n(range, n - j_zero, u_.data() + j_zero);
 }
 
 TnLaHouseholder::TnLaHouseholder(const TnLaHouseholder& other) = default;

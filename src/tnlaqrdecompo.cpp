@@ -13,14 +13,16 @@ namespace {
 
 constexpr char kFile[] = "src/tnlaqrdecompo.cpp";
 
-// A = Q R, column by column: R replaces A, the reflections go to the list.
-void triangularize(double* a, std::size_t m, std::size_t n, TnArray<TnLaHouseholder*>& reflections) {
-  for (std::size_t j = 0; j < n && j + 1 < m; ++j) {
-    double* const column = a + j * m;
-    const int pivot = static_cast<int>(j);
-    tnla_reflect_and_keep(reflections, pivot, pivot + 1, static_cast<int>(m), column, 1, column + m,
-                          static_cast<Index>(m), n - j - 1);
-  }
+// A = Q R: R replaces the m x n elements, and the reflections go to the list.
+void triangularize(std::size_t m, std::size_t n, double* a, TnArray<TnLaHouseholder*>& list) {
+  const std::size_t n_reflections = std::min(m, n + 1) - 1;  // the last row has nothing below it
+  if (n_reflections == 0) return;
+  TnLaQrScratch scratch(m, n, n_reflections);
+  const auto rows = static_cast<Index>(m);
+  tnla_kernels::best.qr.factor(rows, static_cast<Index>(n), static_cast<Index>(n), a, rows,
+                               scratch.reflections(), scratch.slabs());
+  tnla_keep_reflections(list, m, n_reflections, scratch.reflections());
+  for (std::size_t j = 0; j < n_reflections; ++j) std::fill_n(a + j * m + j + 1, m - j - 1, 0.0);
 }
 
 }  // namespace
@@ -33,7 +35,7 @@ template <class M>
 TnLaTQRDecompo<M>::TnLaTQRDecompo(const M& A) : TnLaTQRDecompo() {
   R_ = new M(A);
   double* const r = TnLaAccess::elements(*R_);
-  triangularize(r, R_->n_rows(), R_->n_cols(), trafos_);
+  if (!R_->empty()) triangularize(R_->n_rows(), R_->n_cols(), r, trafos_);
   full_rank_ = tnla_has_full_rank(r, R_->n_rows(), std::min(R_->n_rows(), R_->n_cols()));
 }
 
@@ -72,18 +74,20 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
   const bool too_short = B.n_rows() < m && B.n_cols() > 0;
   if (m < n || !full_rank_ || too_short) return false;
 
-  M W(B);  // becomes Q' B
-  double* const w = TnLaAccess::elements(W);
-  const std::size_t ldw = W.n_rows();
-  for (std::size_t i = 0; i < trafos_.size(); ++i) {
-    TnLaAccess::reflect(*trafos_[i], w, 1, static_cast<Index>(ldw), W.n_cols());
+  const std::size_t p = B.n_cols();
+  const std::size_t n_reflections = trafos_.size();
+  TnLaQrScratch scratch(m, p, n_reflections);
+  for (std::size_t j = 0; j < n_reflections; ++j) {
+    scratch.reflections()[j] = TnLaAccess::stored(*trafos_[j]);
   }
-
   double* const x = TnLaAccess::elements(X);
-  for (std::size_t c = 0; c < W.n_cols(); ++c) std::copy_n(w + c * ldw, n, x + c * n);
-  tnla_kernels::best.triangular.back_substitute(static_cast<Index>(n), TnLaAccess::elements(*R_),
-                                                static_cast<Index>(m), x, static_cast<Index>(n),
-                                                static_cast<Index>(W.n_cols()));
+  const auto rows = static_cast<Index>(m);
+  const auto order = static_cast<Index>(n);
+  const auto n_rhs = static_cast<Index>(p);
+  tnla_kernels::best.qr.apply(rows, static_cast<Index>(n_reflections), scratch.reflections(), n_rhs,
+                              TnLaAccess::elements(B), static_cast<Index>(B.n_rows()), order, x, order,
+                              scratch.slabs());  // the upper n rows of Q' B
+  tnla_kernels::best.triangular.back_substitute(order, TnLaAccess::elements(*R_), rows, x, order, n_rhs);
   return true;
 }
 

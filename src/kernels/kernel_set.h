@@ -6,6 +6,7 @@
 #include "elementwise.h"
 #include "jacobi.h"
 #include "product.h"
+#include "qr.h"
 #include "reflection.h"
 #include "triangular.h"
 
@@ -17,6 +18,7 @@ struct KernelSet {
   ElementwiseKernels elementwise;
   ProductKernels product;
   ReflectionKernels reflection;
+  QrKernels qr;
   TriangularKernels triangular;
   CholeskyKernels cholesky;
   JacobiKernels jacobi;

@@ -7,12 +7,13 @@ namespace tnla_kernels::TNLA_SET {
 ElementwiseKernels elementwise_kernels();
 ProductKernels product_kernels();
 ReflectionKernels reflection_kernels();
+QrKernels qr_kernels();
 TriangularKernels triangular_kernels();
 CholeskyKernels cholesky_kernels();
 JacobiKernels jacobi_kernels();
 
 KernelSet kernel_set() {
-  return {elementwise_kernels(), product_kernels(),  reflection_kernels(),
+  return {elementwise_kernels(), product_kernels(),  reflection_kernels(), qr_kernels(),
           triangular_kernels(),  cholesky_kernels(), jacobi_kernels()};
 }
 

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "reference/decomposition_reference.h"
+#include "support/bits.h"
+#include "support/kernel_sets.h"
+#include "support/values.h"
+
+namespace {
+
+using reference::Matrix;
+using reference::Reflection;
+using tnla_kernels::Index;
+using tnla_kernels::KernelSet;
+using tnla_kernels::StoredReflection;
+
+constexpr double kGap = 77.0;  // between the columns, and behind what a kernel may write
+
+std::size_t size(Index n) { return static_cast<std::size_t>(n); }
+Index index(std::size_t n) { return static_cast<Index>(n); }
+
+// A matrix with a leading dimension of its own, in a block that ends with what must not be touched.
+struct Padded {
+  std::size_t m;
+  std::size_t n;
+  std::size_t ld;
+  std::vector<double> block;
+
+  Padded(const Matrix& from, std::size_t pad)
+      : m(from.m), n(from.n), ld(from.m + pad), block(ld * from.n + 8, kGap) {
+    for (std::size_t j = 0; j < n; ++j) std::copy_n(from.a.data() + j * m, m, column(j));
+  }
+
+  double* column(std::size_t j) { return block.data() + j * ld; }
+};
+
+void expect_padded(Padded& actual, const Matrix& expected) {
+  Padded padded(expected, actual.ld - actual.m);
+  ASSERT_TRUE(are_same("", "the matrix", "", actual.block.size(), actual.block.data(), padded.block.data()));
+}
+
+// Scratch memory of just the size that is asked for, full of NaN, at an offset from a cache line.
+struct Scratch {
+  static constexpr std::size_t kGuard = 8;
+  std::vector<double> block;
+  std::size_t n;
+  std::size_t offset;
+
+  Scratch(std::size_t rows, std::size_t cols, std::size_t start)
+      : n(size(tnla_kernels::qr_scratch(index(rows), index(cols)))), offset(start) {
+    block.assign(offset + n + kGuard, kNaN);
+    std::fill_n(block.end() - kGuard, kGuard, kGap);
+  }
+
+  double* data() { return block.data() + offset; }
+  void expect_kept() const {
+    for (std::size_t i = 0; i < kGuard; ++i) ASSERT_EQ(*(block.end() - 1 - index(i)), kGap);
+  }
+};
+
+// --- factor ---------------------------------------------------------------------------------------------
+
+// Each column gives a reflection and keeps its range, and the later columns are turned by it.
+struct Factored {
+  Matrix A;
+  std::vector<Reflection> reflections;
+
+  Factored(const Matrix& matrix, std::size_t n_pivots) : A(matrix) {
+    for (std::size_t j = 0; j < std::min(n_pivots, A.n) && j + 1 < A.m; ++j) {
+      const int pivot = static_cast<int>(j);
+      reflections.emplace_back(pivot, pivot + 1, static_cast<int>(A.m), A.column(j), 1);
+      reference::apply_to_columns(reflections.back(), A, j + 1, A.n);
+    }
+    for (std::size_t j = 0; j < reflections.size(); ++j) {
+      for (std::size_t i = j + 1; i < A.m; ++i) A(i, j) = reflections[j].u[i];
+    }
+  }
+};
+
+void expect_factored(const KernelSet& set, const Matrix& A, std::size_t n_pivots, std::size_t pad,
+                     std::size_t offset) {
+  SCOPED_TRACE(testing::Message() << A.m << " x " << A.n << ", " << n_pivots << " pivots, gap " << pad);
+  const Factored expected(A, n_pivots);
+  Padded a(A, pad);
+  Scratch scratch(A.m, A.n, offset);
+  const std::size_t d = expected.reflections.size();
+  const StoredReflection untouched = {nullptr, kGap, kGap};
+  std::vector<StoredReflection> made(d + 1, untouched);
+  set.qr.factor(index(A.m), index(n_pivots), index(A.n), a.block.data(), index(a.ld), made.data(),
+                scratch.data());
+  expect_padded(a, expected.A);
+  for (std::size_t j = 0; j < d; ++j) {
+    const Reflection& h = expected.reflections[j];
+    ASSERT_EQ(made[j].u, a.column(j) + j + 1);
+    ASSERT_TRUE(same_bits(made[j].up, h.u[j])) << j;
+    ASSERT_TRUE(same_bits(made[j].scale, h.scale)) << j;
+  }
+  ASSERT_EQ(made[d].u, nullptr);
+  scratch.expect_kept();
+}
+
+void expect_factored_by_all(const Matrix& A, std::size_t n_pivots, std::size_t pad = 0,
+                            std::size_t offset = 0) {
+  for_every_kernel_set([&](const KernelSet& set) { expect_factored(set, A, n_pivots, pad, offset); });
+}
+
+Matrix uniform(Random& random, std::size_t m, std::size_t n) { return {m, n, random.vector(m * n)}; }
+Matrix any(Random& random, std::size_t m, std::size_t n) { return {m, n, random.any_vector(m * n)}; }
+
+// Whole numbers from -1 to 1: many sums are exactly zero, in one lane or another.
+Matrix sparse(Random& random, std::size_t m, std::size_t n) {
+  Matrix A(m, n);
+  for (double& x : A.a) {
+    const std::size_t kind = random.below(8);
+    x = kind < 2 ? 1.0 : kind == 2 ? -1.0 : kind == 3 ? -0.0 : 0.0;
+  }
+  return A;
+}
+
+TEST(QrKernels, FactorAllSmallShapes) {
+  Random random(1);
+  for (std::size_t m = 0; m <= 14; ++m) {
+    for (std::size_t n = 0; n <= 14; ++n) {
+      for (const std::size_t n_pivots : {n, n / 2, std::min<std::size_t>(n, 1)}) {
+        const std::size_t pad = random.below(3);
+        const std::size_t offset = random.below(8);
+        expect_factored_by_all(uniform(random, m, n), n_pivots, pad, offset);
+        expect_factored_by_all(any(random, m, n), n_pivots, pad, offset);
+        expect_factored_by_all(sparse(random, m, n), n_pivots, pad, offset);
+      }
+    }
+  }
+}
+
+// Past two of the widest panels, with every number of columns left over, and every number of rows.
+TEST(QrKernels, FactorEveryNumberOfColumns) {
+  Random random(2);
+  for (std::size_t n = 15; n <= 90; ++n) {
+    for (const std::size_t m : {n, n + 3, n / 2}) {
+      const std::size_t n_pivots = n - random.below(6);
+      expect_factored_by_all(uniform(random, m, n), n_pivots, 1);
+      expect_factored_by_all(n % 2 == 0 ? any(random, m, n) : sparse(random, m, n), n_pivots);
+    }
+  }
+}
+
+TEST(QrKernels, FactorLargeShapes) {
+  Random random(3);
+  for (const auto& [m, n] :
+       {std::pair<std::size_t, std::size_t>{256, 256}, {301, 120}, {130, 300}, {3000, 21}, {1300, 9}}) {
+    expect_factored_by_all(uniform(random, m, n), n);
+    expect_factored_by_all(sparse(random, m, n), n - 2);
+  }
+}
+
+}  // namespace
