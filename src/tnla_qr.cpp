@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "kernels/kernel_set.h"
-#include "tnla_reflections.h"
 
 using tnla_kernels::Index;
+using tnla_kernels::QrColumns;
 
 namespace {
 
@@ -14,14 +14,9 @@ constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this
 constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
 constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
 
-// A = Q R for the first n columns of the m x n_total matrix, and Q' of the others.
-void triangularize(std::size_t m, std::size_t n, std::size_t n_total, double* a) {
-  if (m == 0) return;
-  TnLaQrScratch scratch(m, n_total, n);
-  const auto rows = static_cast<Index>(m);
-  tnla_kernels::best.qr.factor(rows, static_cast<Index>(n), static_cast<Index>(n_total), a, rows,
-                               scratch.reflections(), scratch.slabs());
-}
+// The distance of two columns of m rows: an odd number of cache lines, so that the entries of a row do not
+// compete for the same places in the cache.
+std::size_t leading_dimension(std::size_t m) { return 8 * ((m + 7) / 8 | 1); }
 
 }  // namespace
 
@@ -40,25 +35,29 @@ bool tnla_has_full_rank(const double* r, std::size_t ldr, std::size_t d) {
 
 TnLaQrSystem::TnLaQrSystem(std::size_t m, std::size_t n, const double* a, std::size_t p, const double* b,
                            std::size_t ldb)
-    : m_(m), n_(n), p_(p), work_(new double[m * (n + p)]) {
-  std::copy_n(a, m * n, work_.get());
-  for (std::size_t c = 0; c < p; ++c) std::copy_n(b + c * ldb, m, work_.get() + (n + c) * m);
-  triangularize(m, n, n + p, work_.get());
-  full_rank_ = tnla_has_full_rank(work_.get(), m, n);
+    : n_(n), p_(p), ld_(leading_dimension(m)), scratch_(m, n + p, n), reduced_(new double[ld_ * (n + p)]) {
+  const auto rows = static_cast<Index>(m);
+  const QrColumns columns = {static_cast<Index>(n), a, rows,
+                             static_cast<Index>(p), b, static_cast<Index>(ldb)};
+  tnla_kernels::best.qr.factor(rows, columns, reduced_.get(), static_cast<Index>(ld_),
+                               scratch_.reflections(), scratch_.slabs());
+  full_rank_ = tnla_has_full_rank(reduced_.get(), ld_, n);
 }
 
 void TnLaQrSystem::solve_into(double* x) {
-  double* const w = work_.get() + n_ * m_;
-  const auto m = static_cast<Index>(m_);
-  tnla_kernels::best.triangular.back_substitute(static_cast<Index>(n_), work_.get(), m, w, m,
-                                                static_cast<Index>(p_));
-  for (std::size_t c = 0; c < p_; ++c) std::copy_n(w + c * m_, n_, x + c * n_);
+  const auto n = static_cast<Index>(n_);
+  const auto ld = static_cast<Index>(ld_);
+  tnla_kernels::best.qr.solve(n, 0, nullptr, n, reduced_.get(), ld, static_cast<Index>(p_),
+                              reduced_.get() + n_ * ld_, ld, x, n, scratch_.slabs());
 }
 
 bool tnla_qr_diagonal(std::size_t n, const double* a, double* diagonal) {
-  const std::unique_ptr<double[]> work(new double[n * n]);
-  std::copy_n(a, n * n, work.get());
-  triangularize(n, n, n, work.get());
-  for (std::size_t i = 0; i < n; ++i) diagonal[i] = work[i * (n + 1)];
-  return tnla_has_full_rank(work.get(), n, n);
+  const std::size_t ld = leading_dimension(n);
+  const std::unique_ptr<double[]> r(new double[ld * n]);
+  TnLaQrScratch scratch(n, n, n);
+  const auto order = static_cast<Index>(n);
+  tnla_kernels::best.qr.factor(order, {order, a, order, 0, nullptr, 0}, r.get(), static_cast<Index>(ld),
+                               scratch.reflections(), scratch.slabs());
+  for (std::size_t i = 0; i < n; ++i) diagonal[i] = r[i * (ld + 1)];
+  return tnla_has_full_rank(r.get(), ld, n);
 }

@@ -16,10 +16,9 @@ constexpr char kFile[] = "src/tnlaqrdecompo.cpp";
 // A = Q R: R replaces the m x n elements, and the reflections go to the list.
 void triangularize(std::size_t m, std::size_t n, double* a, TnArray<TnLaHouseholder*>& list) {
   const std::size_t n_reflections = std::min(m, n + 1) - 1;  // the last row has nothing below it
-  if (n_reflections == 0) return;
   TnLaQrScratch scratch(m, n, n_reflections);
   const auto rows = static_cast<Index>(m);
-  tnla_kernels::best.qr.factor(rows, static_cast<Index>(n), static_cast<Index>(n), a, rows,
+  tnla_kernels::best.qr.factor(rows, {static_cast<Index>(n), a, rows, 0, nullptr, 0}, a, rows,
                                scratch.reflections(), scratch.slabs());
   tnla_keep_reflections(list, m, n_reflections, scratch.reflections());
   for (std::size_t j = 0; j < n_reflections; ++j) std::fill_n(a + j * m + j + 1, m - j - 1, 0.0);
@@ -80,14 +79,12 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
   for (std::size_t j = 0; j < n_reflections; ++j) {
     scratch.reflections()[j] = TnLaAccess::stored(*trafos_[j]);
   }
-  double* const x = TnLaAccess::elements(X);
   const auto rows = static_cast<Index>(m);
   const auto order = static_cast<Index>(n);
-  const auto n_rhs = static_cast<Index>(p);
-  tnla_kernels::best.qr.apply(rows, static_cast<Index>(n_reflections), scratch.reflections(), n_rhs,
-                              TnLaAccess::elements(B), static_cast<Index>(B.n_rows()), order, x, order,
-                              scratch.slabs());  // the upper n rows of Q' B
-  tnla_kernels::best.triangular.back_substitute(order, TnLaAccess::elements(*R_), rows, x, order, n_rhs);
+  tnla_kernels::best.qr.solve(rows, static_cast<Index>(n_reflections), scratch.reflections(), order,
+                              TnLaAccess::elements(*R_), rows, static_cast<Index>(p),
+                              TnLaAccess::elements(B), static_cast<Index>(B.n_rows()),
+                              TnLaAccess::elements(X), order, scratch.slabs());
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include "qr_panel.h"
 #include "slab.h"
 #include "slab_reflection.h"
+#include "slab_substitution.h"
 
 namespace tnla_kernels::TNLA_SET {
 
@@ -15,7 +16,7 @@ double* aligned(double* scratch) {
   return reinterpret_cast<double*>((reinterpret_cast<std::uintptr_t>(scratch) + kLine - 1) / kLine * kLine);
 }
 
-Index leading_dimension(Index m) { return m * kLanes; }
+Index leading_dimension(Index m) { return m * kLanes + 8 * (kLanes - 1); }
 
 void apply_to_slabs(Index m, Index n, const StoredReflection* list, double* slabs, Index ld,
                     Index n_slabs) {
@@ -42,47 +43,51 @@ void store_factored(Index m, Index first, Index n_cols, Index d, const double* s
   }
 }
 
-Index panel_width(Index m, Index n) {
-  (void)m;
+Index panel_width(Index n) {
   const Index n_slabs = slabs_for(n);
-  if (n_slabs <= 8) return n;
-  return smaller(n, next_group(n_slabs) * kLanes);
+  return n_slabs <= kPanel ? n : next_group(n_slabs) * kLanes;
 }
 
-void factor(Index m, Index n_pivots, Index n, double* a, Index lda, StoredReflection* made,
+void factor(Index m, const QrColumns& columns, double* w, Index ldw, StoredReflection* made,
             double* scratch) {
   double* const slabs = aligned(scratch);
   const Index ld = leading_dimension(m);
-  const Index d = smaller(n_pivots, larger(m, 1) - 1);
+  const Index d = smaller(columns.n, larger(m, 1) - 1);
+  const Index n = columns.n + columns.p;
   for (Index first = 0, width; first < n; first += width) {
-    width = panel_width(m, n - first);
-    fill_slabs(m, width, a + first * lda, lda, slabs, ld);
+    width = panel_width(n - first);
+    fill_slabs(
+        m, width, [&](Index c) { return columns[first + c]; }, slabs, ld);
     apply_to_slabs(m, smaller(first, d), made, slabs, ld, slabs_for(width));
     Panel panel(m, width, slabs, ld);
     Index j = first;
-    for (; j < smaller(first + width, d); ++j) made[j] = panel.reduce(j - first, j, a + j * lda + j);
+    for (; j < smaller(first + width, d); ++j) made[j] = panel.reduce(j - first, j, w + j * ldw + j);
     panel.finish(j - first, j);
-    store_factored(m, first, width, d, slabs, ld, a, lda);
+    store_factored(m, first, width, d, slabs, ld, w, ldw);
   }
 }
 
-void apply(Index m, Index n_reflections, const StoredReflection* list, Index n_vec, const double* w,
-           Index ldw, Index n_rows, double* x, Index ldx, double* scratch) {
+void solve(Index m, Index n_reflections, const StoredReflection* list, Index n, const double* r, Index ldr,
+           Index p, const double* b, Index ldb, double* x, Index ldx, double* scratch) {
   double* const slabs = aligned(scratch);
   const Index ld = leading_dimension(m);
-  for (Index c = 0, width; c < n_vec; c += width) {
-    const Index n_slabs = next_group(slabs_for(n_vec - c));
-    width = smaller(n_slabs * kLanes, n_vec - c);
-    fill_slabs(m, width, w + c * ldw, ldw, slabs, ld);
-    apply_to_slabs(m, n_reflections, list, slabs, ld, n_slabs);
-    for (Index l = 0; l < width; l += kLanes) {
-      empty_slab(n_rows, smaller(kLanes, width - l), slabs + l / kLanes * ld, x + (c + l) * ldx, ldx);
+  for (Index first = 0, width; first < p; first += width) {
+    const Index n_slabs = next_group(slabs_for(p - first));
+    width = smaller(n_slabs * kLanes, p - first);
+    fill_slabs(
+        m, width, [&](Index c) { return b + (first + c) * ldb; }, slabs, ld);
+    for_count(n_slabs, [&](auto count) {
+      apply_list<count.value>(m, n_reflections, list, slabs, ld);
+      substitute_back<count.value>(n, r, ldr, slabs, ld);
+    });
+    for (Index c = 0; c < width; c += kLanes) {
+      empty_slab(n, smaller(kLanes, width - c), slabs + c / kLanes * ld, x + (first + c) * ldx, ldx);
     }
   }
 }
 
 }  // namespace
 
-QrKernels qr_kernels() { return {factor, apply}; }
+QrKernels qr_kernels() { return {factor, solve}; }
 
 }  // namespace tnla_kernels::TNLA_SET

@@ -12,29 +12,41 @@ struct StoredReflection {
   double scale;
 };
 
-// Doubles of scratch memory for an m x n matrix, or for n vectors of m elements.
+// The columns of [A | B], where they are.
+struct QrColumns {
+  Index n;  // of A
+  const double* a;
+  Index lda;
+  Index p;  // of B
+  const double* b;
+  Index ldb;
+
+  const double* operator[](Index j) const { return j < n ? a + j * lda : b + (j - n) * ldb; }
+};
+
+// Doubles of scratch memory for n columns of m rows.
 constexpr Index qr_scratch(Index m, Index n) {
   constexpr Index most = 40;  // columns at once
   const Index columns = (n + 3) / 4 * 4;
   return (m + 8) * (columns < most ? columns : most) + 8;
 }
 
-// The QR decomposition and its use, many columns side by side.
+// The QR decomposition and the solution by it, many columns side by side.
 struct QrKernels {
-  // Reduces the columns j = 0 ... n_pivots-1, but not the last row's, of the m x n matrix a: each column
-  // gives a reflection with the pivot j, by `make` and `reflection_scale`, and that is applied to all later
-  // columns by `reflect` (all of reflection.h).  Where `make` says false, up is 0.0 and the scale is that
-  // of the column's pivot and 0.0.
+  // Reduces [A | B] of m rows by reflections, and stores the result to w, which may be where A is if p is
+  // 0.
   //
-  // On return a holds R on and above its diagonal, and the ranges of the reflections below it, where
-  // made[j].u points.
-  void (*factor)(Index m, Index n_pivots, Index n, double* a, Index lda, StoredReflection* made,
+  // Each column j of A, but not one of the last row, gives a reflection of the rows from j on by `make` and
+  // `reflection_scale`, and `reflect` applies it to all later columns (all of reflection.h; where `make`
+  // says false, up and scale are 0.0).  On return w holds R on and above its diagonal, behind it Q' B, and
+  // below the diagonal the ranges of the reflections, to which made[j].u points.
+  void (*factor)(Index m, const QrColumns& columns, double* w, Index ldw, StoredReflection* made,
                  double* scratch);
 
-  // Applies the reflections 0 ... n_reflections-1 to n_vec vectors w of m elements, and stores the first
-  // n_rows of each result to x, which may be w.
-  void (*apply)(Index m, Index n_reflections, const StoredReflection* list, Index n_vec, const double* w,
-                Index ldw, Index n_rows, double* x, Index ldx, double* scratch);
+  // X = R^-1 Q' B, for p columns of B with m rows each: applies the reflections 0 ... n_reflections-1, and
+  // takes the first n rows of the results through `back_substitute` of triangular.h.  X may be B.
+  void (*solve)(Index m, Index n_reflections, const StoredReflection* list, Index n, const double* r,
+                Index ldr, Index p, const double* b, Index ldb, double* x, Index ldx, double* scratch);
 };
 
 }  // namespace tnla_kernels

@@ -17,20 +17,21 @@ inline Index slabs_for(Index n_cols) { return (n_cols + kLanes - 1) / kLanes; }
 inline double* slab_row(double* slabs, Index row) { return slabs + row * kLanes; }
 inline const double* slab_row(const double* slabs, Index row) { return slabs + row * kLanes; }
 
-// Columns to slabs.  A last slab that is not full repeats the last column, so that no lane holds what none
-// of the columns does.
-inline void fill_slabs(Index n_rows, Index n_cols, const double* a, Index lda, double* slabs, Index ld) {
+// n_cols columns to slabs; column(c) is where column c begins.  A last slab that is not full repeats the
+// last column, so that no lane holds what none of the columns does.
+template <class Column>
+inline void fill_slabs(Index n_rows, Index n_cols, Column column, double* slabs, Index ld) {
   for (Index c = 0; c < n_cols; c += kLanes) {
-    const double* column[kLanes];
-    for (Index l = 0; l < kLanes; ++l) column[l] = a + smaller(c + l, n_cols - 1) * lda;
+    const double* from[kLanes];
+    for (Index l = 0; l < kLanes; ++l) from[l] = column(smaller(c + l, n_cols - 1));
     double* __restrict const slab = slabs + c / kLanes * ld;
     for (Index i = 0; i < n_rows; ++i) {
-      for (Index l = 0; l < kLanes; ++l) slab[i * kLanes + l] = column[l][i];
+      for (Index l = 0; l < kLanes; ++l) slab[i * kLanes + l] = from[l][i];
     }
   }
 }
 
-// The first rows of a slab to the first n_cols <= kLanes columns of a.
+// The first rows of a slab to n_cols <= kLanes columns of a.
 inline void empty_slab(Index n_rows, Index n_cols, const double* __restrict slab, double* a, Index lda) {
   for (Index l = 0; l < n_cols; ++l) {
     double* __restrict const column = a + l * lda;

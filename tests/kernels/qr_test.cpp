@@ -16,6 +16,7 @@ using reference::Matrix;
 using reference::Reflection;
 using tnla_kernels::Index;
 using tnla_kernels::KernelSet;
+using tnla_kernels::QrColumns;
 using tnla_kernels::StoredReflection;
 
 constexpr double kGap = 77.0;  // between the columns, and behind what a kernel may write
@@ -40,23 +41,24 @@ struct Padded {
 
 void expect_padded(Padded& actual, const Matrix& expected) {
   Padded padded(expected, actual.ld - actual.m);
-  ASSERT_TRUE(are_same("", "the matrix", "", actual.block.size(), actual.block.data(), padded.block.data()));
+  ASSERT_TRUE(
+      are_same("", "the matrix", "", actual.block.size(), actual.block.data(), padded.block.data()));
 }
 
-// Scratch memory of just the size that is asked for, full of NaN, at an offset from a cache line.
+// Scratch memory of just the size that is asked for, full of NaN, at an place from a cache line.
 struct Scratch {
   static constexpr std::size_t kGuard = 8;
   std::vector<double> block;
   std::size_t n;
-  std::size_t offset;
+  std::size_t place;
 
   Scratch(std::size_t rows, std::size_t cols, std::size_t start)
-      : n(size(tnla_kernels::qr_scratch(index(rows), index(cols)))), offset(start) {
-    block.assign(offset + n + kGuard, kNaN);
+      : n(size(tnla_kernels::qr_scratch(index(rows), index(cols)))), place(start) {
+    block.assign(place + n + kGuard, kNaN);
     std::fill_n(block.end() - kGuard, kGuard, kGap);
   }
 
-  double* data() { return block.data() + offset; }
+  double* data() { return block.data() + place; }
   void expect_kept() const {
     for (std::size_t i = 0; i < kGuard; ++i) ASSERT_EQ(*(block.end() - 1 - index(i)), kGap);
   }
@@ -81,31 +83,37 @@ struct Factored {
   }
 };
 
-void expect_factored(const KernelSet& set, const Matrix& A, std::size_t n_pivots, std::size_t pad,
-                     std::size_t offset) {
-  SCOPED_TRACE(testing::Message() << A.m << " x " << A.n << ", " << n_pivots << " pivots, gap " << pad);
-  const Factored expected(A, n_pivots);
-  Padded a(A, pad);
-  Scratch scratch(A.m, A.n, offset);
+// A is the first n columns of the matrix, B the others; `place` is where in a cache line the scratch
+// begins.
+void expect_factored(const KernelSet& set, const Matrix& AB, std::size_t n, std::size_t pad,
+                     std::size_t place) {
+  SCOPED_TRACE(testing::Message() << AB.m << " x " << AB.n << ", A " << n << " columns, gap " << pad);
+  const Factored expected(AB, n);
   const std::size_t d = expected.reflections.size();
-  const StoredReflection untouched = {nullptr, kGap, kGap};
-  std::vector<StoredReflection> made(d + 1, untouched);
-  set.qr.factor(index(A.m), index(n_pivots), index(A.n), a.block.data(), index(a.ld), made.data(),
-                scratch.data());
-  expect_padded(a, expected.A);
-  for (std::size_t j = 0; j < d; ++j) {
-    const Reflection& h = expected.reflections[j];
-    ASSERT_EQ(made[j].u, a.column(j) + j + 1);
-    ASSERT_TRUE(same_bits(made[j].up, h.u[j])) << j;
-    ASSERT_TRUE(same_bits(made[j].scale, h.scale)) << j;
-  }
-  ASSERT_EQ(made[d].u, nullptr);
-  scratch.expect_kept();
+  const Index ld = index(AB.m + pad);
+  Padded source(AB, pad);
+  Padded result(Matrix(AB.m, AB.n), pad + 1);
+  Scratch scratch(AB.m, AB.n, place);
+  std::vector<StoredReflection> made(d + 1, {nullptr, kGap, kGap});
+  const auto factor = [&](const QrColumns& columns, Padded& w) {
+    set.qr.factor(index(AB.m), columns, w.block.data(), index(w.ld), made.data(), scratch.data());
+    expect_padded(w, expected.A);
+    for (std::size_t j = 0; j < d; ++j) {
+      const Reflection& h = expected.reflections[j];
+      ASSERT_EQ(made[j].u, w.column(j) + j + 1);
+      ASSERT_TRUE(same_bits(made[j].up, h.u[j])) << j;
+      ASSERT_TRUE(same_bits(made[j].scale, h.scale)) << j;
+    }
+    ASSERT_EQ(made[d].u, nullptr);
+    scratch.expect_kept();
+  };
+  factor({index(n), source.column(0), ld, index(AB.n - n), source.column(n), ld}, result);
+  expect_padded(source, AB);
+  if (n == AB.n) factor({index(n), source.column(0), ld, 0, nullptr, 0}, source);  // in place
 }
 
-void expect_factored_by_all(const Matrix& A, std::size_t n_pivots, std::size_t pad = 0,
-                            std::size_t offset = 0) {
-  for_every_kernel_set([&](const KernelSet& set) { expect_factored(set, A, n_pivots, pad, offset); });
+void expect_factored_by_all(const Matrix& AB, std::size_t n, std::size_t pad = 0, std::size_t place = 0) {
+  for_every_kernel_set([&](const KernelSet& set) { expect_factored(set, AB, n, pad, place); });
 }
 
 Matrix uniform(Random& random, std::size_t m, std::size_t n) { return {m, n, random.vector(m * n)}; }
@@ -127,10 +135,10 @@ TEST(QrKernels, FactorAllSmallShapes) {
     for (std::size_t n = 0; n <= 14; ++n) {
       for (const std::size_t n_pivots : {n, n / 2, std::min<std::size_t>(n, 1)}) {
         const std::size_t pad = random.below(3);
-        const std::size_t offset = random.below(8);
-        expect_factored_by_all(uniform(random, m, n), n_pivots, pad, offset);
-        expect_factored_by_all(any(random, m, n), n_pivots, pad, offset);
-        expect_factored_by_all(sparse(random, m, n), n_pivots, pad, offset);
+        const std::size_t place = random.below(8);
+        expect_factored_by_all(uniform(random, m, n), n_pivots, pad, place);
+        expect_factored_by_all(any(random, m, n), n_pivots, pad, place);
+        expect_factored_by_all(sparse(random, m, n), n_pivots, pad, place);
       }
     }
   }
