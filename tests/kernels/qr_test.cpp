@@ -66,7 +66,7 @@ struct Scratch {
 
 // --- factor ---------------------------------------------------------------------------------------------
 
-// Each column gives a reflection and keeps its range, and the later columns are turned by it.
+// Each of n_pivots columns gives a reflection and keeps its range, and the later columns are turned by it.
 struct Factored {
   Matrix A;
   std::vector<Reflection> reflections;
@@ -133,7 +133,7 @@ TEST(QrKernels, FactorAllSmallShapes) {
   Random random(1);
   for (std::size_t m = 0; m <= 14; ++m) {
     for (std::size_t n = 0; n <= 14; ++n) {
-      for (const std::size_t n_pivots : {n, n / 2, std::min<std::size_t>(n, 1)}) {
+      for (const std::size_t n_pivots : {n, n / 2, std::min<std::size_t>(n, 1), std::size_t{0}}) {
         const std::size_t pad = random.below(3);
         const std::size_t place = random.below(8);
         expect_factored_by_all(uniform(random, m, n), n_pivots, pad, place);
@@ -163,6 +163,98 @@ TEST(QrKernels, FactorLargeShapes) {
     expect_factored_by_all(uniform(random, m, n), n);
     expect_factored_by_all(sparse(random, m, n), n - 2);
   }
+}
+
+// One column of every kind that make refuses or reflection_scale judges, between others.
+TEST(QrKernels, FactorColumnsWithoutAReflection) {
+  Random random(4);
+  const double entries[] = {0.0, -0.0, 1e-30, -1e-21, 1e-11, 5e-11, 1e-10, kTiny, kNaN, kInf, kHuge};
+  for (std::size_t n = 1; n <= 50; n += 1 + n / 4) {
+    for (const double entry : entries) {
+      for (const std::size_t m : {n, n + 5}) {
+        Matrix A = uniform(random, m, n + 3);
+        for (std::size_t j = random.below(3); j < n; j += 1 + random.below(9)) {
+          std::fill_n(A.column(j), m, entry);  // above the diagonal the earlier reflections change it
+          if (j == 0) std::fill_n(A.column(j), 1, 0.0);
+        }
+        expect_factored_by_all(A, n);
+      }
+    }
+  }
+}
+
+// Columns that the earlier reflections do not touch: they begin with zeros where those have their entries.
+TEST(QrKernels, FactorBlockDiagonals) {
+  Random random(5);
+  for (const std::size_t n : {7u, 16u, 33u, 50u}) {
+    for (const std::size_t block : {1u, 2u, 3u, 5u}) {
+      Matrix A(n + 2, n);
+      for (std::size_t j = 0; j < n; ++j) {
+        const std::size_t begin = j / block * block;
+        for (std::size_t i = begin; i < std::min(begin + block, n); ++i) A(i, j) = random.uniform();
+        for (std::size_t i = 0; i < begin; ++i) A(i, j) = random.below(2) == 0 ? 0.0 : -0.0;
+      }
+      expect_factored_by_all(A, n);
+      expect_factored_by_all(A, n / 2);
+    }
+  }
+}
+
+// --- solve ----------------------------------------------------------------------------------------------
+
+void expect_solved(const KernelSet& set, const Matrix& A, const Matrix& B, std::size_t n, std::size_t pad) {
+  SCOPED_TRACE(testing::Message() << A.m << " x " << A.n << ", order " << n << ", " << B.n
+                                  << " right sides, gap " << pad);
+  const Factored factored(A, A.n);
+  Matrix QtB = B;
+  std::vector<StoredReflection> list;
+  for (const Reflection& h : factored.reflections) {
+    reference::apply_to_columns(h, QtB, 0, B.n);
+    list.push_back({h.u.data() + h.j_zero, h.u[size(h.j_pivot)], h.scale});
+  }
+  Matrix X = reference::resized(QtB, n, B.n);
+  reference::back_substitute(factored.A, n, X);
+
+  Padded r(factored.A, pad);
+  Padded b(B, pad);
+  Padded x(Matrix(n, B.n), pad);
+  Scratch scratch(A.m, B.n, pad);
+  const auto solve = [&](double* to, std::size_t ld) {
+    set.qr.solve(index(A.m), index(list.size()), list.data(), index(n), r.block.data(), index(r.ld),
+                 index(B.n), b.block.data(), index(b.ld), to, index(ld), scratch.data());
+    scratch.expect_kept();
+  };
+  solve(x.block.data(), x.ld);
+  expect_padded(x, X);
+  expect_padded(b, B);
+  expect_padded(r, factored.A);
+  solve(b.block.data(), b.ld);  // in place: the rows from n on stay
+  Matrix in_place = B;
+  for (std::size_t c = 0; c < B.n; ++c) std::copy_n(X.column(c), n, in_place.column(c));
+  expect_padded(b, in_place);
+}
+
+void expect_solved_by_all(const Matrix& A, const Matrix& B, std::size_t n, std::size_t pad) {
+  for_every_kernel_set([&](const KernelSet& set) { expect_solved(set, A, B, n, pad); });
+}
+
+TEST(QrKernels, SolveForEveryNumberOfRightSides) {
+  Random random(6);
+  for (std::size_t p = 0; p <= 50; ++p) {
+    const std::size_t n = random.below(20);
+    const std::size_t m = n + random.below(9);
+    const std::size_t order = n == 0 ? 0 : n - random.below(2);
+    expect_solved_by_all(uniform(random, m, n), uniform(random, m, p), order, p % 3);
+    expect_solved_by_all(any(random, m, n), any(random, m, p), order, 0);
+    expect_solved_by_all(sparse(random, m, n), sparse(random, m, p), order, 1);
+  }
+}
+
+TEST(QrKernels, SolveLargeSystems) {
+  Random random(7);
+  expect_solved_by_all(uniform(random, 130, 130), uniform(random, 130, 130), 130, 0);
+  expect_solved_by_all(uniform(random, 700, 40), uniform(random, 700, 3), 40, 0);
+  expect_solved_by_all(sparse(random, 90, 60), reference::identity(90), 60, 0);
 }
 
 }  // namespace
