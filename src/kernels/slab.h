@@ -17,26 +17,12 @@ inline Index slabs_for(Index n_cols) { return (n_cols + kLanes - 1) / kLanes; }
 inline double* slab_row(double* slabs, Index row) { return slabs + row * kLanes; }
 inline const double* slab_row(const double* slabs, Index row) { return slabs + row * kLanes; }
 
-// n_cols columns to slabs; column(c) is where column c begins.  A last slab that is not full repeats the
-// last column, so that no lane holds what none of the columns does.
-template <class Column>
-inline void fill_slabs(Index n_rows, Index n_cols, Column column, double* slabs, Index ld) {
-  for (Index c = 0; c < n_cols; c += kLanes) {
-    const double* from[kLanes];
-    for (Index l = 0; l < kLanes; ++l) from[l] = column(smaller(c + l, n_cols - 1));
-    double* __restrict const slab = slabs + c / kLanes * ld;
-    for (Index i = 0; i < n_rows; ++i) {
-      for (Index l = 0; l < kLanes; ++l) slab[i * kLanes + l] = from[l][i];
-    }
-  }
+// One lane of a slab, which begins at `lane`, to a column.
+inline void empty_lane(Index n_rows, const double* __restrict lane, double* __restrict column) {
+  for (Index i = 0; i < n_rows; ++i) column[i] = lane[i * kLanes];
 }
 
-// The first rows of a slab to n_cols <= kLanes columns of a.
-inline void empty_slab(Index n_rows, Index n_cols, const double* __restrict slab, double* a, Index lda) {
-  for (Index l = 0; l < n_cols; ++l) {
-    double* __restrict const column = a + l * lda;
-    for (Index i = 0; i < n_rows; ++i) column[i] = slab[i * kLanes + l];
-  }
-}
+// Where column c of the slabs begins.
+inline double* slab_lane(double* slabs, Index ld, Index c) { return slabs + c / kLanes * ld + c % kLanes; }
 
 }  // namespace tnla_kernels::TNLA_SET

@@ -10,12 +10,14 @@ namespace {
 template <Index P>
 void substitute_columns(Index n, const double* r, Index ldr, double* x, Index ldx) {
   for (Index i = n - 1; i >= 0; --i) {
+    const double* const diagonal = r + i * ldr + i;
     double sum[P] = {};
+    const double* entry = diagonal;
     for (Index l = i + 1; l < n; ++l) {
-      const double entry = r[l * ldr + i];
-      for (Index c = 0; c < P; ++c) sum[c] += entry * x[c * ldx + l];
+      entry += ldr;
+      for (Index c = 0; c < P; ++c) sum[c] += *entry * x[c * ldx + l];
     }
-    for (Index c = 0; c < P; ++c) x[c * ldx + i] = (x[c * ldx + i] - sum[c]) / r[i * ldr + i];
+    for (Index c = 0; c < P; ++c) x[c * ldx + i] = (x[c * ldx + i] - sum[c]) / *diagonal;
   }
 }
 
