@@ -56,6 +56,9 @@ class TNLA_API TnLaHouseholder {
   void debug(TnJournal& journal, int indent) const;
 
  private:
+  // A reflection that is finished: `range` is u from j_zero on.
+  TNLA_HIDDEN TnLaHouseholder(int j_pivot, int j_zero, int n, const double* range, double up, double scale);
+
   int j_pivot_;
   int j_zero_;
   TnArray<double> u_;  // u_[j_pivot_] and u_[j_zero_ ...]; the other entries are zero and never used

@@ -19,6 +19,18 @@ struct TnLaAccess {
   // The array in which a dense vector keeps its elements.
   static TnArray<double>& array(TnLaDblVec& v) { return v.array_; }
 
+  // A reflection that is finished, of a vector of n elements.
+  static TnLaHouseholder* new_reflection(int j_pivot, int j_zero, int n,
+                                         const tnla_kernels::StoredReflection& h) {
+    return new TnLaHouseholder(j_pivot, j_zero, n, h.u, h.up, h.scale);
+  }
+
+  // The reflection as the kernels take it.
+  static tnla_kernels::StoredReflection stored(const TnLaHouseholder& h) {
+    const double* const u = h.u_.data();
+    return {u + h.j_zero_, u[h.j_pivot_], h.scale_};
+  }
+
   // Applies a reflection to n_vec vectors of its length; vector k starts at w + k * stride.
   static void reflect(const TnLaHouseholder& h, double* w, tnla_kernels::Index incr,
                       tnla_kernels::Index stride, std::size_t n_vec) {

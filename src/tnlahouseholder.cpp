@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 #include "kernels/kernel_set.h"
@@ -11,6 +13,12 @@ namespace {
 constexpr char kFile[] = "src/tnlahouseholder.cpp";
 
 bool valid_range(int j_pivot, int j_zero, int n) { return 0 <= j_pivot && j_pivot < j_zero && j_zero <= n; }
+
+// No element belongs to two of the vectors: each lies beyond the one before it, or they are interleaved.
+bool share_nothing(Index n, Index incr, Index stride, Index n_vec) {
+  const Index reach = std::abs(incr) * n;
+  return stride != 0 && (std::abs(stride) >= reach || std::abs(incr) > std::abs(stride) * (n_vec - 1));
+}
 
 // One step further in, without overflow.
 int indented(int indent) {
@@ -29,14 +37,19 @@ void tnla_h1(int j_pivot, int j_zero, int n, double* v, int incr, double& up) {
 
 void tnla_h2(int j_pivot, int j_zero, int n, const double* u, int incr_u, const double& up, double* c,
              int incr_c, int stride_vec, int n_vec) {
-  TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
+  const bool valid = valid_range(j_pivot, j_zero, n);
+  TN_ASSERT(kFile, valid);
   if (n_vec < 1 || j_zero == n) return;
   const double pivot_entry = up;
   const double product = u[Index{j_pivot} * incr_u] * pivot_entry;
   if (tnla_kernels::kNoReflection > -product) return;  // this way round, so that a NaN goes on
-  tnla_kernels::best.reflection.reflect(pivot_entry, u + Index{j_zero} * incr_u, incr_u, Index{n} - j_zero,
-                                        1.0 / product, c + Index{j_pivot} * incr_c,
-                                        c + Index{j_zero} * incr_c, incr_c, stride_vec, n_vec);
+  const int at_once = valid && share_nothing(n, incr_c, stride_vec, n_vec) ? n_vec : 1;
+  for (int k = 0; k < n_vec; k += at_once) {
+    double* const w = c + Index{k} * stride_vec;
+    tnla_kernels::best.reflection.reflect(pivot_entry, u + Index{j_zero} * incr_u, incr_u,
+                                          Index{n} - j_zero, 1.0 / product, w + Index{j_pivot} * incr_c,
+                                          w + Index{j_zero} * incr_c, incr_c, stride_vec, at_once);
+  }
 }
 
 TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int incr)
@@ -56,6 +69,14 @@ TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int 
     u[i] = v[i * incr];
     v[i * incr] = 0.0;
   }
+}
+
+TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, const double* range, double up,
+                                 double scale)
+    : j_pivot_(j_pivot), j_zero_(j_zero), scale_(scale) {
+  u_.set_size(static_cast<std::size_t>(n), false);
+  u_[static_cast<std::size_t>(j_pivot)] = up;
+  std::copy_n(range, n - j_zero, u_.data() + j_zero);
 }
 
 TnLaHouseholder::TnLaHouseholder(const TnLaHouseholder& other) = default;

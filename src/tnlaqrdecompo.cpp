@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <cmath>
 
 #include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnla_instances.h"
+#include "tnla_qr.h"
 #include "tnla_reflections.h"
 #include "tnlaqrdecompo_i.h"
 
@@ -13,31 +13,15 @@ namespace {
 
 constexpr char kFile[] = "src/tnlaqrdecompo.cpp";
 
-constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this: not of full rank
-constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
-constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
-
-// A = Q R, column by column: R replaces A, the reflections go to the list.
-void triangularize(double* a, std::size_t m, std::size_t n, TnArray<TnLaHouseholder*>& reflections) {
-  for (std::size_t j = 0; j < n && j + 1 < m; ++j) {
-    double* const column = a + j * m;
-    const int pivot = static_cast<int>(j);
-    tnla_reflect_and_keep(reflections, pivot, pivot + 1, static_cast<int>(m), column, 1, column + m,
-                          static_cast<Index>(m), n - j - 1);
-  }
-}
-
-// The comparisons are written so that a NaN replaces the running value, and passes the tests.
-bool has_full_rank(const double* r, std::size_t m, std::size_t n) {
-  double smallest = kNoMinimumYet;
-  double largest = 0.0;
-  for (std::size_t i = 0; i < std::min(m, n); ++i) {
-    const double entry = std::fabs(r[i * m + i]);
-    if (!(entry > smallest)) smallest = entry;
-    if (!(largest > entry)) largest = entry;
-  }
-  if (kSmallestDiagonal > smallest) return false;
-  return !(largest / smallest > kLargestSpread);
+// A = Q R: R replaces the m x n elements, and the reflections go to the list.
+void triangularize(std::size_t m, std::size_t n, double* a, TnArray<TnLaHouseholder*>& list) {
+  const std::size_t n_reflections = std::min(m, n + 1) - 1;  // the last row has nothing below it
+  TnLaQrScratch scratch(m, n, n_reflections);
+  const auto rows = static_cast<Index>(m);
+  tnla_kernels::best.qr.factor(rows, {static_cast<Index>(n), a, rows, 0, nullptr, 0}, a, rows,
+                               scratch.reflections(), scratch.slabs());
+  tnla_keep_reflections(list, m, n_reflections, scratch.reflections());
+  for (std::size_t j = 0; j < n_reflections; ++j) std::fill_n(a + j * m + j + 1, m - j - 1, 0.0);
 }
 
 }  // namespace
@@ -50,8 +34,8 @@ template <class M>
 TnLaTQRDecompo<M>::TnLaTQRDecompo(const M& A) : TnLaTQRDecompo() {
   R_ = new M(A);
   double* const r = TnLaAccess::elements(*R_);
-  triangularize(r, R_->n_rows(), R_->n_cols(), trafos_);
-  full_rank_ = has_full_rank(r, R_->n_rows(), R_->n_cols());
+  if (!R_->empty()) triangularize(R_->n_rows(), R_->n_cols(), r, trafos_);
+  full_rank_ = tnla_has_full_rank(r, R_->n_rows(), std::min(R_->n_rows(), R_->n_cols()));
 }
 
 template <class M>
@@ -89,18 +73,18 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
   const bool too_short = B.n_rows() < m && B.n_cols() > 0;
   if (m < n || !full_rank_ || too_short) return false;
 
-  M W(B);  // becomes Q' B
-  double* const w = TnLaAccess::elements(W);
-  const std::size_t ldw = W.n_rows();
-  for (std::size_t i = 0; i < trafos_.size(); ++i) {
-    TnLaAccess::reflect(*trafos_[i], w, 1, static_cast<Index>(ldw), W.n_cols());
+  const std::size_t p = B.n_cols();
+  const std::size_t n_reflections = trafos_.size();
+  TnLaQrScratch scratch(m, p, n_reflections);
+  for (std::size_t j = 0; j < n_reflections; ++j) {
+    scratch.reflections()[j] = TnLaAccess::stored(*trafos_[j]);
   }
-
-  double* const x = TnLaAccess::elements(X);
-  for (std::size_t c = 0; c < W.n_cols(); ++c) std::copy_n(w + c * ldw, n, x + c * n);
-  tnla_kernels::best.triangular.back_substitute(static_cast<Index>(n), TnLaAccess::elements(*R_),
-                                                static_cast<Index>(m), x, static_cast<Index>(n),
-                                                static_cast<Index>(W.n_cols()));
+  const auto rows = static_cast<Index>(m);
+  const auto order = static_cast<Index>(n);
+  tnla_kernels::best.qr.solve(rows, static_cast<Index>(n_reflections), scratch.reflections(), order,
+                              TnLaAccess::elements(*R_), rows, static_cast<Index>(p),
+                              TnLaAccess::elements(B), static_cast<Index>(B.n_rows()),
+                              TnLaAccess::elements(X), order, scratch.slabs());
   return true;
 }
 

@@ -156,6 +156,35 @@ TEST(H2, FollowsItsDefinitionForLongVectors) {
   }
 }
 
+TEST(H2, TakesManyVectors) {
+  Random random(10);
+  for (const int n_vec : {3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 50}) {
+    for (const Indices at : {Indices{0, 1, 2}, Indices{1, 3, 6}, Indices{0, 2, 30}, Indices{2, 3, 41}}) {
+      expect_h2_as_defined(random, at, n_vec, Entries::uniform);
+      expect_h2_as_defined(random, at, n_vec, Entries::any);
+    }
+  }
+}
+
+// What one vector leaves is what the next one finds.
+TEST(H2, TakesVectorsThatShareElementsOneAfterTheOther) {
+  Random random(11);
+  for (const Layout in :
+       {Layout{1, 1}, {1, 0}, {2, 1}, {3, 1}, {1, 29}, {2, 31}, {-1, 1}, {1, -7}, {9, 1}}) {
+    SCOPED_TRACE(testing::Message() << "incr_c " << in.incr << ", stride_vec " << in.stride);
+    constexpr int n = 30;
+    constexpr int n_vec = 10;
+    Block u = strided(random, n, 1, Gaps::nan, Entries::uniform);
+    double up = 0.0;
+    reference::h1(0, 1, n, u.start(), 1, up);
+    Block c = vectors(random, n, n_vec, in, Entries::uniform);
+    Block expected = c;
+    reference::h2(0, 1, n, u.start(), 1, up, expected.start(), in.incr, in.stride, n_vec);
+    tnla_h2(0, 1, n, u.start(), 1, up, c.start(), in.incr, in.stride, n_vec);
+    EXPECT_SAME_BLOCK(c.values, expected.values);
+  }
+}
+
 // u = (s, 1), up and the vector c, all chosen freely; what becomes of c.
 void expect_h2(double s, double up, std::vector<double> c, const std::vector<double>& expected) {
   const double u[] = {s, 1.0};

@@ -93,6 +93,31 @@ TEST(QrDecomposition, FollowsItsDefinitionForLargerShapes) {
   }
 }
 
+// Many panels, and many right-hand sides.
+TEST(QrDecomposition, FollowsItsDefinitionForLargeShapes) {
+  Random random(9);
+  for (const auto& [m, n] :
+       {std::pair<std::size_t, std::size_t>{130, 130}, {201, 77}, {77, 90}, {600, 5}}) {
+    const std::vector<Matrix> right_sides = {random_matrix(random, m, 1), random_matrix(random, m, 45),
+                                             any_matrix(random, m, 7)};
+    expect_decomposes<TnLaDblMat>(random_matrix(random, m, n), right_sides, Matrix(2, 2));
+    expect_decomposes<TnLaDblMat>(any_matrix(random, m, n), right_sides, Matrix(2, 2));
+  }
+}
+
+// Every step turns and skips columns: with unit vectors most sums are exactly zero.
+TEST(QrDecomposition, FollowsItsDefinitionForUnitVectors) {
+  Random random(10);
+  for (std::size_t n = 2; n <= 60; n += 1 + n / 8) {
+    Matrix A = identity(n);
+    for (std::size_t round = 0; round < n; ++round) {
+      reference::swap_cols(A, random.below(n), random.below(n));
+      A(random.below(n), random.below(n)) = round % 3 == 0 ? -1.0 : -0.0;
+    }
+    expect_decomposes<TnLaDblMat>(A, {identity(n), random_matrix(random, n, 3)}, Matrix(2, 2));
+  }
+}
+
 TEST(QrDecomposition, FollowsItsDefinitionForDependentColumns) {
   Random random(3);
   for (std::size_t n = 2; n <= 9; ++n) {

@@ -6,6 +6,7 @@
 #include "elementwise.h"
 #include "jacobi.h"
 #include "product.h"
+#include "qr.h"
 #include "rank_revealing.h"
 #include "reflection.h"
 #include "triangular.h"
@@ -18,6 +19,7 @@ struct KernelSet {
   ElementwiseKernels elementwise;
   ProductKernels product;
   ReflectionKernels reflection;
+  QrKernels qr;
   RankRevealingKernels rank_revealing;
   TriangularKernels triangular;
   CholeskyKernels cholesky;

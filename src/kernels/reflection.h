@@ -29,8 +29,8 @@ struct ReflectionKernels {
   // The range is read only.  c < kNoReflection: false, and nothing is written.
   bool (*make)(double& pivot, Index n, const double* range, Index incr, double& up);
 
-  // Applies a reflection to n_vec vectors: vector k has the pivot w[k * stride] and the range
-  // range[k * stride + i * incr].
+  // Applies a reflection to n_vec vectors: vector k has the pivot pivot[k * stride] and the range
+  // range[k * stride + i * incr].  No two of them share an element.
   //
   //     m = pivot * up + sum of range * u, starting with the pivot's term
   //     m == 0: the vector is left alone (a NaN is not 0)

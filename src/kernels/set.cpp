@@ -7,14 +7,23 @@ namespace tnla_kernels::TNLA_SET {
 ElementwiseKernels elementwise_kernels();
 ProductKernels product_kernels();
 ReflectionKernels reflection_kernels();
+QrKernels qr_kernels();
 RankRevealingKernels rank_revealing_kernels();
 TriangularKernels triangular_kernels();
 CholeskyKernels cholesky_kernels();
 JacobiKernels jacobi_kernels();
 
 KernelSet kernel_set() {
-  return {elementwise_kernels(), product_kernels(),  reflection_kernels(), rank_revealing_kernels(),
-          triangular_kernels(),  cholesky_kernels(), jacobi_kernels()};
+  return {
+      .elementwise = elementwise_kernels(),
+      .product = product_kernels(),
+      .reflection = reflection_kernels(),
+      .qr = qr_kernels(),
+      .rank_revealing = rank_revealing_kernels(),
+      .triangular = triangular_kernels(),
+      .cholesky = cholesky_kernels(),
+      .jacobi = jacobi_kernels(),
+  };
 }
 
 }  // namespace tnla_kernels::TNLA_SET

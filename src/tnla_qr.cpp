@@ -1,0 +1,63 @@
+#include "tnla_qr.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kernels/kernel_set.h"
+
+using tnla_kernels::Index;
+using tnla_kernels::QrColumns;
+
+namespace {
+
+constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this: not of full rank
+constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
+constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
+
+// The distance of two columns of m rows: an odd number of cache lines, so that the entries of a row do not
+// compete for the same places in the cache.
+std::size_t leading_dimension(std::size_t m) { return 8 * ((m + 7) / 8 | 1); }
+
+}  // namespace
+
+// The comparisons are written so that a NaN replaces the running value, and passes the tests.
+bool tnla_has_full_rank(const double* r, std::size_t ldr, std::size_t d) {
+  double smallest = kNoMinimumYet;
+  double largest = 0.0;
+  for (std::size_t i = 0; i < d; ++i) {
+    const double entry = std::fabs(r[i * (ldr + 1)]);
+    if (!(entry > smallest)) smallest = entry;
+    if (!(largest > entry)) largest = entry;
+  }
+  if (kSmallestDiagonal > smallest) return false;
+  return !(largest / smallest > kLargestSpread);
+}
+
+TnLaQrSystem::TnLaQrSystem(std::size_t m, std::size_t n, const double* a, std::size_t p, const double* b,
+                           std::size_t ldb)
+    : n_(n), p_(p), ld_(leading_dimension(m)), scratch_(m, n + p, n), reduced_(new double[ld_ * (n + p)]) {
+  const auto rows = static_cast<Index>(m);
+  const QrColumns columns = {static_cast<Index>(n), a, rows,
+                             static_cast<Index>(p), b, static_cast<Index>(ldb)};
+  tnla_kernels::best.qr.factor(rows, columns, reduced_.get(), static_cast<Index>(ld_),
+                               scratch_.reflections(), scratch_.slabs());
+  full_rank_ = tnla_has_full_rank(reduced_.get(), ld_, n);
+}
+
+void TnLaQrSystem::solve_into(double* x) {
+  const auto n = static_cast<Index>(n_);
+  const auto ld = static_cast<Index>(ld_);
+  tnla_kernels::best.qr.solve(n, 0, nullptr, n, reduced_.get(), ld, static_cast<Index>(p_),
+                              reduced_.get() + n_ * ld_, ld, x, n, scratch_.slabs());
+}
+
+bool tnla_qr_diagonal(std::size_t n, const double* a, double* diagonal) {
+  const std::size_t ld = leading_dimension(n);
+  const std::unique_ptr<double[]> r(new double[ld * n]);
+  TnLaQrScratch scratch(n, n, n);
+  const auto order = static_cast<Index>(n);
+  tnla_kernels::best.qr.factor(order, {order, a, order, 0, nullptr, 0}, r.get(), static_cast<Index>(ld),
+                               scratch.reflections(), scratch.slabs());
+  for (std::size_t i = 0; i < n; ++i) diagonal[i] = r[i * (ld + 1)];
+  return tnla_has_full_rank(r.get(), ld, n);
+}
