@@ -18,12 +18,11 @@ constexpr Index kFewRows = 12;
 template <Index kRows, Index kCols, bool kGoesOn>
 Index pieces(Index i, Index m, const double* a, const double* x, double* y) {
   Lanes factor[kCols];
-  unrolled<kCols>([&](Index l) [[gnu::always_inline]] { factor[l] = splat(x[l]); });
+  unrolled<kCols>([&](Index l) { factor[l] = splat(x[l]); });
   for (; m - i >= kRows; i += kRows) {
     Lanes sum = {};
     if constexpr (kGoesOn) sum = load_first<kRows>(y + i);
-    unrolled<kCols>([&](Index l)
-                        [[gnu::always_inline]] { sum += load_first<kRows>(a + i + l * m) * factor[l]; });
+    unrolled<kCols>([&](Index l) { sum += load_first<kRows>(a + i + l * m) * factor[l]; });
     store_first<kRows>(y + i, sum);
   }
   return i;

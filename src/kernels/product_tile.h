@@ -25,7 +25,7 @@ template <Index n>
 [[gnu::always_inline]] inline Lanes load_first(const double* p) {
   if constexpr (n >= kLanes) return load(p);
   Lanes v = {};
-  unrolled<n>([&](Index i) [[gnu::always_inline]] { v[i] = p[i]; });
+  unrolled<n>([&](Index i) { v[i] = p[i]; });
   return v;
 }
 
@@ -34,7 +34,7 @@ template <Index n>
   if constexpr (n >= kLanes) {
     store(p, v);
   } else {
-    unrolled<n>([&](Index i) [[gnu::always_inline]] { p[i] = v[i]; });
+    unrolled<n>([&](Index i) { p[i] = v[i]; });
   }
 }
 
@@ -49,17 +49,17 @@ inline void tile(Index k, const double* a, Index lda, const double* b, Index ldb
 
   Lanes sum[kSums] = {};
   if constexpr (kGoesOn) {
-    unrolled<kSums>([&](Index s) [[gnu::always_inline]] { sum[s] = load_first<kRows>(place(s)); });
+    unrolled<kSums>([&](Index s) { sum[s] = load_first<kRows>(place(s)); });
   }
   for (Index l = 0; l < k; ++l, a += lda, b += kRowStep) {
     Lanes column[kVecs];
-    unrolled<kVecs>([&](Index v) [[gnu::always_inline]] { column[v] = load_first<kRows>(a + v * kLanes); });
-    unrolled<kCols>([&](Index j) [[gnu::always_inline]] {
+    unrolled<kVecs>([&](Index v) { column[v] = load_first<kRows>(a + v * kLanes); });
+    unrolled<kCols>([&](Index j) {
       const Lanes factor = splat(b[j * ldb]);
-      unrolled<kVecs>([&](Index v) [[gnu::always_inline]] { sum[j * kVecs + v] += column[v] * factor; });
+      unrolled<kVecs>([&](Index v) { sum[j * kVecs + v] += column[v] * factor; });
     });
   }
-  unrolled<kSums>([&](Index s) [[gnu::always_inline]] { store_first<kRows>(place(s), sum[s]); });
+  unrolled<kSums>([&](Index s) { store_first<kRows>(place(s), sum[s]); });
 }
 
 }  // namespace tnla_kernels::TNLA_SET

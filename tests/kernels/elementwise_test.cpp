@@ -48,7 +48,7 @@ template <class Kernel, class Element>
 void expect_overlap(const Kernel& kernel, const Element& element) {
   constexpr std::size_t kReach = 9;
   for_every_kernel_set([&](const tnla_kernels::KernelSet& set) {
-    for (const std::size_t n : {1, 2, 3, 4, 5, 8, 15, 33, 70}) {
+    for (const std::size_t n : {1u, 2u, 3u, 4u, 5u, 8u, 15u, 33u, 70u}) {
       for (std::size_t x = 0; x <= 2 * kReach; ++x) {
         for (std::size_t y : {x, kReach, kReach + 1, 2 * kReach - x}) {
           Values actual = Random(n).vector(n + 2 * kReach);

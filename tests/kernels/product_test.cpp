@@ -33,13 +33,13 @@ std::ostream& operator<<(std::ostream& out, const Shape& s) {
 std::vector<Shape> shapes() {
   std::vector<Shape> all;
   for (std::size_t m = 0; m <= 13; ++m) {
-    for (std::size_t k : {0, 1, 2, 3, 7}) {
+    for (std::size_t k : {0u, 1u, 2u, 3u, 7u}) {
       for (std::size_t n = 0; n <= 14; ++n) all.push_back({m, k, n});
     }
   }
   for (std::size_t m = 14; m <= 33; ++m) all.push_back({m, 150, 5 + m % 13});
-  for (std::size_t m : {63, 64, 65, 71, 72, 127, 128, 129, 136, 201}) all.push_back({m, 40, 13});
-  for (std::size_t k : {127, 128, 129, 255, 256, 257, 300, 385}) all.push_back({67, k, 8});
+  for (std::size_t m : {63u, 64u, 65u, 71u, 72u, 127u, 128u, 129u, 136u, 201u}) all.push_back({m, 40, 13});
+  for (std::size_t k : {127u, 128u, 129u, 255u, 256u, 257u, 300u, 385u}) all.push_back({67, k, 8});
   for (std::size_t n = 1; n <= 20; ++n) all.push_back({70, 131, n});
   for (const Shape& s : {Shape{1, 3000, 5}, Shape{3, 1000, 9}, Shape{7, 500, 7}, Shape{8, 251, 6},
                          Shape{400, 5, 7}, Shape{400, 6, 1}, Shape{2000, 1, 3}, Shape{140, 270, 50}}) {
