@@ -15,7 +15,8 @@ endfunction()
 
 set(TNLA_SET_SOURCES
     src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp
-    src/kernels/jacobi_turns.cpp src/kernels/jacobi_wavefront.cpp src/kernels/product.cpp
+    src/kernels/jacobi_turns.cpp src/kernels/jacobi_wavefront.cpp src/kernels/matrix_vector.cpp
+    src/kernels/product.cpp src/kernels/product_direct.cpp src/kernels/product_packed.cpp
     src/kernels/qr.cpp src/kernels/rank_revealing.cpp src/kernels/rank_revealing_solve.cpp
     src/kernels/reflection.cpp src/kernels/reflection_chain.cpp src/kernels/set.cpp
     src/kernels/triangular.cpp)

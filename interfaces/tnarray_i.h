@@ -38,7 +38,7 @@ class TnArray {
  public:
   TnArray() noexcept = default;
   // A copy, with the capacity that growing to other.size() gives.
-  TnArray(const TnArray& other) { *this = other; }
+  TnArray(const TnArray& other);
   // Copies the elements; a capacity that suffices is kept.
   TnArray& operator=(const TnArray& other);
 
@@ -74,6 +74,8 @@ class TnArray {
   static constexpr std::size_t kStep = 4096;
 
   std::size_t grown_capacity(std::size_t n) const;
+  // set_size for an array without a block, but the n elements are left for the caller to write.
+  void start(std::size_t n);
   void release() noexcept;
 
   A allocator_{};
@@ -81,6 +83,7 @@ class TnArray {
   std::size_t capacity_ = 0;
   std::size_t size_ = 0;
 
+  friend struct TnLaAccess;
   friend struct TnLaLayout;
 };
 

@@ -14,6 +14,12 @@ T* TnAllocator<T>::allocate(std::size_t n) const {
 }
 
 template <class T, class A>
+TnArray<T, A>::TnArray(const TnArray& other) {
+  start(other.size_);
+  if (size_ > 0) std::memcpy(data_, other.data_, size_ * sizeof(T));
+}
+
+template <class T, class A>
 TnArray<T, A>& TnArray<T, A>::operator=(const TnArray& other) {
   if (this == &other) return *this;
   set_size(other.size_, false);
@@ -58,6 +64,16 @@ std::size_t TnArray<T, A>::grown_capacity(std::size_t n) const {
   std::size_t grown = capacity_ == 0 ? 1 : capacity_;
   while (grown < n) grown *= 2;
   return grown;
+}
+
+template <class T, class A>
+void TnArray<T, A>::start(std::size_t n) {
+  if (n == 0) return;
+  const std::size_t capacity = grown_capacity(n);
+  data_ = allocator_.allocate(capacity);
+  if (capacity > n) std::memset(data_ + n, 0, (capacity - n) * sizeof(T));
+  capacity_ = capacity;
+  size_ = n;
 }
 
 // The stores are volatile because a compiler may drop what is written to an object at the end of its life;

@@ -94,6 +94,10 @@ class TNLA_API TnLaTSmallMat {
   void debug(TnJournal& journal, int digits, bool flag, int indent) const;
 
  private:
+  // For a result, all of whose elements are written next.
+  enum class Unwritten { elements };
+  TNLA_HIDDEN explicit TnLaTSmallMat(Unwritten) {}
+
   double* data() { return elements_; }
   const double* data() const { return elements_; }
   TnArray<double> array() const;

@@ -89,6 +89,10 @@ class TNLA_API TnLaTSmallVec {
   void debug(TnJournal& journal, int digits, int indent) const;
 
  private:
+  // For a result, all of whose elements are written next.
+  enum class Unwritten { elements };
+  TNLA_HIDDEN explicit TnLaTSmallVec(Unwritten) {}
+
   double elements_[static_cast<std::size_t>(N)];
 
   friend struct TnLaLayout;

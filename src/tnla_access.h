@@ -16,8 +16,22 @@ struct TnLaAccess {
     return object.data();
   }
 
-  // The array in which a dense vector keeps its elements.
-  static TnArray<double>& array(TnLaDblVec& v) { return v.array_; }
+  // Sets the size of an array whose elements the caller is about to write, all of them.
+  static void resize_to_overwrite(TnArray<double>& a, std::size_t n) {
+    if (a.capacity() == 0) {
+      a.start(n);
+    } else {
+      a.set_size(n, false);
+    }
+  }
+
+  // The same for a vector, and for the shape of a matrix of rows * cols = n elements.
+  static void resize_to_overwrite(TnLaDblVec& v, std::size_t n) { resize_to_overwrite(v.array_, n); }
+  static void resize_to_overwrite(TnLaDblMat& A, std::size_t rows, std::size_t cols, std::size_t n) {
+    resize_to_overwrite(A.array_, n);
+    A.n_rows_ = rows;
+    A.n_cols_ = cols;
+  }
 
   // A reflection that is finished, of a vector of n elements.
   static TnLaHouseholder* new_reflection(int j_pivot, int j_zero, int n,

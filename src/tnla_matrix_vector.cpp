@@ -33,8 +33,9 @@ std::size_t grown(std::size_t a, int b) {
 
 // rows * cols; std::bad_alloc if that overflows.
 std::size_t element_count(std::size_t rows, std::size_t cols) {
-  if (cols != 0 && rows > std::numeric_limits<std::size_t>::max() / cols) throw std::bad_alloc();
-  return rows * cols;
+  std::size_t count = 0;
+  if (__builtin_mul_overflow(rows, cols, &count)) throw std::bad_alloc();
+  return count;
 }
 
 void copy_values(const double* from, std::size_t n, double* to) {
@@ -78,20 +79,27 @@ bool can_multiply(const TnLaDblMat& A, const TnLaDblVec& x) {
 
 using ElementwiseKernel = void (*)(Index n, const double* x, const double* y, double* out);
 
-TnLaDblVec zeros(std::size_t n) {
+// Objects whose elements are to be written.
+TnLaDblVec unwritten(std::size_t n) {
   TnLaDblVec result;
-  TnLaAccess::array(result).set_size(n, false);
+  TnLaAccess::resize_to_overwrite(result, n);
+  return result;
+}
+
+TnLaDblMat unwritten(std::size_t rows, std::size_t cols) {
+  TnLaDblMat result;
+  TnLaAccess::resize_to_overwrite(result, rows, cols, element_count(rows, cols));
   return result;
 }
 
 TnLaDblMat combined(const TnLaDblMat& A, const TnLaDblMat& B, ElementwiseKernel kernel) {
-  TnLaDblMat result(A.n_rows(), A.n_cols(), 0.0);
+  TnLaDblMat result = unwritten(A.n_rows(), A.n_cols());
   kernel(length(A.array()), A.array().data(), B.array().data(), TnLaAccess::elements(result));
   return result;
 }
 
 TnLaDblVec combined(const TnLaDblVec& x, const TnLaDblVec& y, ElementwiseKernel kernel) {
-  TnLaDblVec result = zeros(x.array().size());
+  TnLaDblVec result = unwritten(x.array().size());
   kernel(length(x.array()), x.array().data(), y.array().data(), TnLaAccess::elements(result));
   return result;
 }
@@ -110,7 +118,7 @@ TnLaDblMat::TnLaDblMat(std::size_t rows, std::size_t cols, double value) : n_row
 }
 
 TnLaDblMat::TnLaDblMat(const double* p, std::size_t rows, std::size_t cols) : n_rows_(rows), n_cols_(cols) {
-  array_.set_size(element_count(rows, cols), false);
+  TnLaAccess::resize_to_overwrite(array_, element_count(rows, cols));
   initialize(p);
 }
 
@@ -303,7 +311,7 @@ void TnLaDblMat::transpose() {
 }
 
 TnLaDblMat TnLaDblMat::tr() const {
-  TnLaDblMat result(n_cols_, n_rows_, 0.0);
+  TnLaDblMat result = unwritten(n_cols_, n_rows_);
   const double* const from = data();
   double* const to = result.data();
   for (std::size_t j = 0; j < n_cols_; ++j) {
@@ -322,7 +330,7 @@ TnLaDblVec TnLaDblMat::row_vec(std::size_t i) const {
   const bool exists = i < n_rows_ && n_cols_ != 0;
   TN_ASSERT(kFile, exists);
   if (!exists) return {};
-  TnLaDblVec row = zeros(n_cols_);
+  TnLaDblVec row = unwritten(n_cols_);
   double* const to = TnLaAccess::elements(row);
   for (std::size_t j = 0; j < n_cols_; ++j) to[j] = data()[j * n_rows_ + i];
   return row;
@@ -332,7 +340,7 @@ TnLaDblVec TnLaDblMat::col_vec(std::size_t j) const {
   const bool exists = j < n_cols_ && n_rows_ != 0;
   TN_ASSERT(kFile, exists);
   if (!exists) return {};
-  TnLaDblVec column = zeros(n_rows_);
+  TnLaDblVec column = unwritten(n_rows_);
   copy_values(data() + j * n_rows_, n_rows_, TnLaAccess::elements(column));
   return column;
 }
@@ -355,7 +363,7 @@ TnLaDblMat TnLaDblMat::operator*(double s) const {
   const bool filled = is_filled(*this);
   TN_ASSERT(kFile, filled);
   if (!filled) return {0, 1, 0.0};
-  TnLaDblMat result(n_rows_, n_cols_, 0.0);
+  TnLaDblMat result = unwritten(n_rows_, n_cols_);
   tnla_kernels::best.elementwise.scale(length(array_), data(), s, result.data());
   return result;
 }
@@ -446,7 +454,7 @@ TnLaDblVec::TnLaDblVec(int n, int k, double value) {
 TnLaDblVec::TnLaDblVec(const double* p, int n) {
   TN_ASSERT(kFile, n >= 0);
   if (n < 0) return;
-  array_.set_size(static_cast<std::size_t>(n), false);
+  TnLaAccess::resize_to_overwrite(array_, static_cast<std::size_t>(n));
   initialize(p);
 }
 
@@ -493,7 +501,7 @@ TnLaDblVec TnLaDblVec::operator*(const double& s) const {
   const bool filled = is_filled(*this);
   TN_ASSERT(kFile, filled);
   if (!filled) return {};
-  TnLaDblVec result = zeros(array_.size());
+  TnLaDblVec result = unwritten(array_.size());
   tnla_kernels::best.elementwise.scale(length(array_), data(), s, result.data());
   return result;
 }
@@ -556,7 +564,8 @@ TnLaDblVec TnLaDblVec::ort() const {
   const bool filled = is_filled(*this);
   TN_ASSERT(kFile, filled);
   if (!filled) return {};
-  TnLaDblVec result = zeros(array_.size());
+  TnLaDblVec result;
+  result.array_.set_size(array_.size(), false);
   tnla_ortho_vec(dim(), data(), result.data());
   return result;
 }
@@ -586,7 +595,7 @@ void tnla_mat_mat_prod(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& C) 
   const std::size_t m = A.n_rows();  // all three before C changes: a C that is an operand gives nonsense,
   const std::size_t k = A.n_cols();  // but no foreign memory is read
   const std::size_t n = B.n_cols();
-  C.resize(m, n, false);
+  TnLaAccess::resize_to_overwrite(C, m, n, element_count(m, n));
   tnla_mat_mat_prod(m, k, n, A.array().data(), B.array().data(), TnLaAccess::elements(C));
 }
 
@@ -611,7 +620,7 @@ void tnla_mat_vec_prod(const TnLaDblMat& A, const TnLaDblVec& x, TnLaDblVec& y) 
     y = TnLaDblVec();
     return;
   }
-  TnLaAccess::array(y).set_size(A.n_rows(), true);
+  TnLaAccess::resize_to_overwrite(y, A.n_rows());
   tnla_kernels::best.product.matrix_vector(static_cast<Index>(A.n_rows()), static_cast<Index>(A.n_cols()),
                                            A.array().data(), x.array().data(), TnLaAccess::elements(y));
 }
@@ -630,7 +639,7 @@ void tnla_lincomb(const TnLaDblVec& x, double a, const TnLaDblVec& y, double b, 
     z = TnLaDblVec();
     return;
   }
-  TnLaAccess::array(z).set_size(x.array().size(), false);
+  TnLaAccess::resize_to_overwrite(z, x.array().size());
   tnla_kernels::best.elementwise.combine(length(x.array()), x.array().data(), a, y.array().data(), b,
                                          TnLaAccess::elements(z));
 }

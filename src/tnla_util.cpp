@@ -29,19 +29,25 @@ constexpr double kNoSpeed = 1e-20;
 
 double flushed(double sum) { return sum < kZeroSum ? 0.0 : sum; }
 
-// 1/|x| if `unit` and x is not numerically zero; 1 otherwise.
-double unit_factor(bool unit, int n, const double* x) {
-  if (!unit) return 1.0;
-  const double q = tnla_sq_length(n, x);
-  return q > 0.0 ? 1.0 / std::sqrt(q) : 1.0;
+struct TwoSquares {
+  double x;
+  double y;
+};
+
+// The squared lengths of the vectors whose flag is set, as tnla_sq_norm gives them.  0.0 for the others.
+TwoSquares squares(int n, const double* x, bool of_x, const double* y, bool of_y) {
+  if (of_x && of_y) {
+    const tnla_kernels::TwoSums sums = tnla_kernels::sums_of_squares(n, x, y);
+    return {flushed(sums.x), flushed(sums.y)};
+  }
+  return {of_x ? tnla_sq_length(n, x) : 0.0, of_y ? tnla_sq_length(n, y) : 0.0};
 }
 
-// a / |x| if `unit` and x is not numerically zero; a otherwise.
-double unit_coefficient(double a, bool unit, int n, const double* x) {
-  if (!unit) return a;
-  const double q = tnla_sq_length(n, x);
-  return q > 0.0 ? a / std::sqrt(q) : a;
-}
+// 1/|x| for the square of |x|; 1 if that is zero.
+double unit_factor(double q) { return q > 0.0 ? 1.0 / std::sqrt(q) : 1.0; }
+
+// a / |x| for the square of |x|; a if that is zero.
+double unit_coefficient(double a, double q) { return q > 0.0 ? a / std::sqrt(q) : a; }
 
 // res = res / |x|; zero if x is numerically zero.
 void scale_by_unit(int n, const double* x, double* res) {
@@ -145,7 +151,7 @@ std::size_t middle_column(TnOperationBehaviour* behaviour) {
 
 }  // namespace
 
-double tnla_sq_length(Index n, const double* x) { return flushed(tnla_kernels::sum_of_squares(n, x)); }
+double tnla_sq_length(Index n, const double* x) { return flushed(tnla_kernels::dot(n, x, x)); }
 
 double tnla_sq_norm(int n, const double* x, const double* y) {
   if (y == nullptr) return tnla_sq_length(n, x);
@@ -157,17 +163,20 @@ double tnla_sq_norm(int n, const double* x, const double* y) {
 double tnla_norm(int n, const double* x, const double* y) { return std::sqrt(tnla_sq_norm(n, x, y)); }
 
 double tnla_scalprod(int n, const double* x, const double* y, bool unit_x, bool unit_y) {
-  const double fx = unit_factor(unit_x, n, x);
-  const double fy = unit_factor(unit_y, n, y);
-  const double sum = tnla_kernels::scaled_dot(n, x, y, fy * fx);
+  double sum;
+  if (unit_x || unit_y) {
+    const TwoSquares q = squares(n, x, unit_x, y, unit_y);
+    sum = tnla_kernels::scaled_dot(n, x, y, unit_factor(q.y) * unit_factor(q.x));
+  } else {
+    sum = tnla_kernels::dot(n, x, y);  // 1.0 * x[i] is x[i]
+  }
   return std::fabs(sum) < kZeroSum ? 0.0 : sum;
 }
 
 void tnla_lincomb(int n, const double* x, double a, const double* y, double b, double* res, bool unit_x,
                   bool unit_y, bool unit_res) {
-  const double ax = unit_coefficient(a, unit_x, n, x);
-  const double by = unit_coefficient(b, unit_y, n, y);
-  tnla_kernels::best.elementwise.combine(n, x, ax, y, by, res);
+  const TwoSquares q = squares(n, x, unit_x, y, unit_y);
+  tnla_kernels::best.elementwise.combine(n, x, unit_coefficient(a, q.x), y, unit_coefficient(b, q.y), res);
   if (unit_res) tnla_normalize(n, res);
 }
 

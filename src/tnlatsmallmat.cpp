@@ -1,7 +1,7 @@
-#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
 #include "tnarraydebug.h"
 #include "tnla_debug.h"
+#include "tnla_small_loops.h"
 #include "tnla_util_i.h"
 #include "tnlatsmallmat_i.h"
 
@@ -18,29 +18,29 @@ TnLaTSmallMat<Rows, Cols, T>::TnLaTSmallMat(std::size_t rows, std::size_t cols, 
 
 template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T> TnLaTSmallMat<Rows, Cols, T>::operator*(double s) const {
-  TnLaTSmallMat result;
-  tnla_kernels::best.elementwise.scale(size, elements_, s, result.elements_);
+  TnLaTSmallMat result(Unwritten::elements);
+  tnla_small::scale<size>(elements_, s, result.elements_);
   return result;
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 typename TnLaTSmallMat<Rows, Cols, T>::Vec TnLaTSmallMat<Rows, Cols, T>::operator*(const Vec& x) const {
   Vec y;
-  tnla_kernels::best.product.matrix_vector(Rows, Cols, elements_, x.data(), y.data());
+  tnla_small::multiply<Rows>(elements_, x.data(), y.data());
   return y;
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T> TnLaTSmallMat<Rows, Cols, T>::operator+(const TnLaTSmallMat& other) const {
-  TnLaTSmallMat result;
-  tnla_kernels::best.elementwise.add(size, elements_, other.elements_, result.elements_);
+  TnLaTSmallMat result(Unwritten::elements);
+  tnla_small::add<size>(elements_, other.elements_, result.elements_);
   return result;
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T> TnLaTSmallMat<Rows, Cols, T>::operator-(const TnLaTSmallMat& other) const {
-  TnLaTSmallMat result;
-  tnla_kernels::best.elementwise.subtract(size, elements_, other.elements_, result.elements_);
+  TnLaTSmallMat result(Unwritten::elements);
+  tnla_small::subtract<size>(elements_, other.elements_, result.elements_);
   return result;
 }
 
@@ -51,17 +51,17 @@ TnLaTSmallMat<Rows, Cols, T> TnLaTSmallMat<Rows, Cols, T>::operator-() const {
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::operator*=(double s) {
-  tnla_kernels::best.elementwise.scale(size, elements_, s, elements_);
+  tnla_small::scale<size>(elements_, s, elements_);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::operator+=(const TnLaTSmallMat& other) {
-  tnla_kernels::best.elementwise.add(size, elements_, other.elements_, elements_);
+  tnla_small::add<size>(elements_, other.elements_, elements_);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::operator-=(const TnLaTSmallMat& other) {
-  tnla_kernels::best.elementwise.subtract(size, elements_, other.elements_, elements_);
+  tnla_small::subtract<size>(elements_, other.elements_, elements_);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>

@@ -1,9 +1,9 @@
 #include <cmath>
 
-#include "kernels/kernel_set.h"
 #include "kernels/reductions.h"
 #include "tnarraydebug.h"
 #include "tnla_debug.h"
+#include "tnla_small_loops.h"
 #include "tnla_util_i.h"
 #include "tnlatsmallvec_i.h"
 
@@ -26,22 +26,22 @@ TnLaTSmallVec<N, T>::TnLaTSmallVec(const TnArray<double>& a) {
 
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator*(const double& s) const {
-  TnLaTSmallVec result;
-  tnla_kernels::best.elementwise.scale(N, elements_, s, result.elements_);
+  TnLaTSmallVec result(Unwritten::elements);
+  tnla_small::scale<N>(elements_, s, result.elements_);
   return result;
 }
 
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator+(const TnLaTSmallVec& other) const {
-  TnLaTSmallVec result;
-  tnla_kernels::best.elementwise.add(N, elements_, other.elements_, result.elements_);
+  TnLaTSmallVec result(Unwritten::elements);
+  tnla_small::add<N>(elements_, other.elements_, result.elements_);
   return result;
 }
 
 template <int N, class T>
 TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator-(const TnLaTSmallVec& other) const {
-  TnLaTSmallVec result;
-  tnla_kernels::best.elementwise.subtract(N, elements_, other.elements_, result.elements_);
+  TnLaTSmallVec result(Unwritten::elements);
+  tnla_small::subtract<N>(elements_, other.elements_, result.elements_);
   return result;
 }
 
@@ -52,17 +52,17 @@ TnLaTSmallVec<N, T> TnLaTSmallVec<N, T>::operator-() const {
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator*=(double s) {
-  tnla_kernels::best.elementwise.scale(N, elements_, s, elements_);
+  tnla_small::scale<N>(elements_, s, elements_);
 }
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator+=(const TnLaTSmallVec& other) {
-  tnla_kernels::best.elementwise.add(N, elements_, other.elements_, elements_);
+  tnla_small::add<N>(elements_, other.elements_, elements_);
 }
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::operator-=(const TnLaTSmallVec& other) {
-  tnla_kernels::best.elementwise.subtract(N, elements_, other.elements_, elements_);
+  tnla_small::subtract<N>(elements_, other.elements_, elements_);
 }
 
 template <int N, class T>

@@ -6,24 +6,56 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
+// From so many elements on, aligning the stores pays: bench/elementwise, lincomb of 100 and 1000 elements
+// that begin in the middle of a vector, 1.15 and 1.25 times as fast.
+constexpr Index kAligned = 64;
+
+// Vectors in a step: bench/elementwise, scaling 1000 elements, 1.3 times as fast as one.
+constexpr Index kUnroll = 4;
+
+// Whether a vector of out may be stored as soon as that of x has been loaded: not where out lies behind x
+// by less than a vector, since an element is then read after the one before it was written.
+bool in_vectors(const double* x, const double* out) {
+  const auto behind = reinterpret_cast<std::uintptr_t>(out) - reinterpret_cast<std::uintptr_t>(x);
+  return behind - 1 >= sizeof(Lanes) - 1;
+}
+
+bool is_aligned(const double* p) { return reinterpret_cast<std::uintptr_t>(p) % sizeof(Lanes) == 0; }
+
+// out[i] = element(x[i], y[i]), where element takes two numbers or two vectors.
+template <class Element>
+void each(Index n, const double* x, const double* y, double* out, const Element& element) {
+  const auto one = [&](Index i) { out[i] = element(x[i], y[i]); };
+  const auto vector = [&](Index i) { store(out + i, element(load(x + i), load(y + i))); };
+  Index i = 0;
+  if (in_vectors(x, out) && in_vectors(y, out)) {
+    for (; n >= kAligned && !is_aligned(out + i); ++i) one(i);
+    for (; n - i >= kUnroll * kLanes; i += kUnroll * kLanes) {
+      for (Index v = 0; v < kUnroll; ++v) vector(i + v * kLanes);
+    }
+    for (; n - i >= kLanes; i += kLanes) vector(i);
+  }
+  for (; i < n; ++i) one(i);
+}
+
 void add(Index n, const double* x, const double* y, double* out) {
-  for (Index i = 0; i < n; ++i) out[i] = x[i] + y[i];
+  each(n, x, y, out, [](auto a, auto b) { return a + b; });
 }
 
 void subtract(Index n, const double* x, const double* y, double* out) {
-  for (Index i = 0; i < n; ++i) out[i] = x[i] - y[i];
+  each(n, x, y, out, [](auto a, auto b) { return a - b; });
 }
 
 void scale(Index n, const double* x, double s, double* out) {
-  for (Index i = 0; i < n; ++i) out[i] = x[i] * s;
+  each(n, x, x, out, [s](auto a, auto) { return a * s; });
 }
 
 void divide(Index n, const double* x, double s, double* out) {
-  for (Index i = 0; i < n; ++i) out[i] = x[i] / s;
+  each(n, x, x, out, [s](auto a, auto) { return a / s; });
 }
 
 void combine(Index n, const double* x, double a, const double* y, double b, double* out) {
-  for (Index i = 0; i < n; ++i) out[i] = a * x[i] + b * y[i];
+  each(n, x, y, out, [a, b](auto p, auto q) { return a * p + b * q; });
 }
 
 }  // namespace

@@ -1,27 +1,51 @@
 #include "product.h"
 
+#include "product_parts.h"
 #include "simd.h"
 
 namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
-// Column by column of A: the sums of all rows grow side by side, and A is read in storage order.
-void matrix_vector(Index m, Index n, const double* a, const double* x, double* y) {
-  for (Index i = 0; i < m; ++i) y[i] = 0.0;
-  for (Index l = 0; l < n; ++l) {
-    const double* const column = a + l * m;
-    const double factor = x[l];
-    for (Index i = 0; i < m; ++i) y[i] += column[i] * factor;
+// An A that the first cache holds beside the rest is not packed.
+constexpr Index kSmallOperand = 2000;
+
+bool goes_direct(Index m, Index k) { return m < 2 * kLanes || m * k <= kSmallOperand; }
+
+void product(Index m, Index k, Index n, const double* a, const double* b, double* c) {
+  if (m == 0 || n == 0) return;
+  if (goes_direct(m, k)) {
+    direct_product(m, k, n, a, m, b, k, c, m);
+  } else if (n <= 3) {
+    for (Index j = 0; j < n; ++j) matrix_vector(m, k, a, b + j * k, c + j * m);
+  } else {
+    packed_product(m, k, n, a, {1, m}, b, {1, k}, c, {1, m});
   }
 }
 
-void product(Index m, Index k, Index n, const double* a, const double* b, double* c) {
-  for (Index j = 0; j < n; ++j) matrix_vector(m, k, a, b + j * k, c + j * m);
+Index magnitude(Index a) { return a < 0 ? -a : a; }
+
+Index greatest_common_divisor(Index a, Index b) {
+  while (b != 0) {
+    const Index rest = a % b;
+    a = b;
+    b = rest;
+  }
+  return a;
 }
 
-void strided_product(Index m, Index k, Index n, const double* a, Steps sa, const double* b, Steps sb,
-                     double* c, Steps sc) {
+// Whether two elements of an m x n matrix lie at one place: then col / g rows and row / g columns apart,
+// where g divides both steps.
+bool shares_places(Index m, Index n, Steps s) {
+  const Index row = magnitude(s.row);
+  const Index col = magnitude(s.col);
+  const Index divisor = greatest_common_divisor(row, col);
+  return divisor == 0 ? m > 1 || n > 1 : col / divisor < m && row / divisor < n;
+}
+
+// One sum after the other.
+void product_in_row_order(Index m, Index k, Index n, const double* a, Steps sa, const double* b, Steps sb,
+                          double* c, Steps sc) {
   for (Index i = 0; i < m; ++i) {
     for (Index j = 0; j < n; ++j) c[i * sc.row + j * sc.col] = 0.0;
   }
@@ -36,7 +60,29 @@ void strided_product(Index m, Index k, Index n, const double* a, Steps sa, const
   }
 }
 
+Steps transposed(Steps s) { return {s.col, s.row}; }
+
+void strided_product(Index m, Index k, Index n, const double* a, Steps sa, const double* b, Steps sb,
+                     double* c, Steps sc) {
+  if (m == 0 || n == 0) return;
+  if (shares_places(m, n, sc)) return product_in_row_order(m, k, n, a, sa, b, sb, c, sc);
+  if (sc.row != 1 && sc.col == 1) {  // C' = B' A' has contiguous rows
+    return strided_product(n, k, m, b, transposed(sb), a, transposed(sa), c, transposed(sc));
+  }
+  if (sa.row == 1 && sb.row == 1 && sc.row == 1 && goes_direct(m, k)) {
+    direct_product(m, k, n, a, sa.col, b, sb.col, c, sc.col);
+  } else {
+    packed_product(m, k, n, a, sa, b, sb, c, sc);
+  }
+}
+
 }  // namespace
+
+void copy_elements(Index m, Index n, const double* from, Steps sf, double* to, Steps st) {
+  for (Index j = 0; j < n; ++j) {
+    for (Index i = 0; i < m; ++i) to[i * st.row + j * st.col] = from[i * sf.row + j * sf.col];
+  }
+}
 
 ProductKernels product_kernels() { return {matrix_vector, product, strided_product}; }
 
