@@ -31,7 +31,7 @@ def memory(n_bytes):
     for unit, size in (("GiB", 2 ** 30), ("MiB", 2 ** 20)):
         if n_bytes >= size:
             return f"{n_bytes / size:.3g} {unit}"
-    return f"{n_bytes / 1024:.4g} KiB"
+    return f"{n_bytes / 1024:.{0 if n_bytes >= 100 * 1024 else 1}f} KiB"
 
 
 def count(n):
@@ -43,7 +43,8 @@ def count(n):
 
 def as_text(table):
     widths = [max(len(row[i]) for row in table) for i in range(len(table[0]))]
-    return "".join("  " + "  ".join(cell.ljust(w) for cell, w in zip(row, widths)).rstrip() + "\n" for row in table)
+    lines = ("  ".join(cell.ljust(width) for cell, width in zip(row, widths)) for row in table)
+    return "".join(f"  {line.rstrip()}\n" for line in lines)
 
 
 def as_markdown(table):
@@ -98,9 +99,10 @@ def scale_table(results):
     table = [["problem", "row", "time", "peak memory", "time an unknown"]]
 
     def add(text, row, unknowns=None):
-        if results.time(row):
-            table.append([text, row, duration(results.time(row)), memory(results.counter(row, "peak_bytes")),
-                          duration(results.time(row) / unknowns) if unknowns else ""])
+        time = results.time(row)
+        if time:
+            table.append([text, row, duration(time), memory(results.counter(row, "peak_bytes")),
+                          duration(time / unknowns) if unknowns else ""])
 
     add("2000 equations, 2000 unknowns, dense", "qr/solve/2000")
     add("a band of ten million equations", "block_band/open_1000/4x10003")

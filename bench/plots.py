@@ -20,13 +20,17 @@ COLOURS = {OURS: "#000000", "plain": "#999999", "floor": "#c05000", "openblas": 
            "native": "#b00020", "gsl": "#208040"}
 
 SCRIPT = """
-set terminal svg size 640,640 font 'sans-serif,13' background rgb 'white'
+set terminal svg size 760,640 font 'sans-serif,13' background rgb 'white'
 set output '{path}'
 set multiplot layout 2,1
 set logscale xy
+set xrange [{least}:{most}]
+set xtics ({sizes})
+unset mytics
 set grid lc rgb '#dddddd'
-set key top left
+set key outside right top
 set lmargin 11
+set rmargin 19
 set title '{title}'
 set ylabel 'time'
 set format y '%.0s %cs'
@@ -36,6 +40,7 @@ unset key
 set xlabel 'n'
 set ylabel 'time of the peer / ours'
 set format y '%g'
+set ytics add (0.02, 0.05, 0.2, 0.5, 2, 5, 20, 50)
 set arrow from graph 0, first 1 to graph 1, first 1 nohead lc rgb 'black' front
 plot {ratios}
 """
@@ -53,14 +58,16 @@ def plot(results, problem):
                   if results.time(row, peer)]
         if not points:
             continue
-        blocks.append(f"${peer} << END\n" + "".join(f"{n} {t * 1e-9:.6g} {r:.6g}\n" for n, t, r in points) + "END\n")
+        lines = "".join(f"{n} {time * 1e-9:.6g} {ratio:.6g}\n" for n, time, ratio in points)
+        blocks.append(f"${peer} << END\n{lines}END\n")
         style = f"with linespoints pt 7 ps 0.5 lw 2 lc rgb '{COLOURS[peer]}'"
         times.append(f"${peer} using 1:2 {style} title '{PEERS.get(peer, 'ours')}'")
         if peer != OURS:
             ratios.append(f"${peer} using 1:3 {style}")
-    operation = ROWS[problem].replace(r"(\d+)", "n").replace("_", r"\_")
-    script = SCRIPT.format(path=FOLDER / f"{problem}.svg", title=problem.replace("_", r"\_") + "/" + operation,
-                           times=", ".join(times), ratios=", ".join(ratios))
+    title = f"{problem}/{ROWS[problem]}".replace(r"(\d+)", "n").replace("_", r"\_")
+    script = SCRIPT.format(path=FOLDER / f"{problem}.svg", title=title, sizes=", ".join(map(str, sorted(rows))),
+                           least=0.8 * min(rows), most=1.25 * max(rows), times=", ".join(times),
+                           ratios=", ".join(ratios))
     subprocess.run(["gnuplot"], input="".join(blocks) + script, text=True, check=True)
 
 

@@ -57,11 +57,13 @@ def main(arguments):
     if "--check" in options:
         check_all(build, chosen)
         return
+    is_quick = "--quick" in options
+    directory = quick if is_quick else full
     if "--report" not in options:
-        run_all(build, chosen, QUICK if "--quick" in options else FULL, quick if "--quick" in options else full)
-    results = Results(quick if "--quick" in options else full, chosen)
+        run_all(build, chosen, QUICK if is_quick else FULL, directory)
+    results = Results(directory, chosen)
     print(document.as_text(document.goal_table(results)))
-    if "--quick" not in options and not problems:
+    if not is_quick and not problems:
         document.write(results, build)
 
 

@@ -69,7 +69,8 @@ class Goal:
     def __init__(self, row, is_floor, text, remark):
         self.row, self.is_floor, self.remark = row, is_floor, remark
         subject, value = text.split()
-        self.most_time = float(subject) * {"ns": 1.0, "us": 1e3, "ms": 1e6}[value] if value.isalpha() else None
+        units = {"ns": 1.0, "us": 1e3, "ms": 1e6}
+        self.most_time = float(subject) * units[value] if value in units else None
         self.peer = None if self.most_time else subject
         self.least_ratio = None if self.most_time else float(value)
 

@@ -22,11 +22,12 @@ inline bool is_closed(const Case& c) { return c.operation.substr(0, 6) == "close
 // The m coefficients of equation e of a block, and then the right sides.
 inline const double* equation(const Case& c, int block, int e) {
   const int place = block % kPeriod * kMostEquations + e % kMostEquations;
-  return c.a.data() + static_cast<std::size_t>(place * (c.m + kSides));
+  return c.a.data() + n_elements(place, c.m + kSides);
 }
 
 inline double solution(const Case& c, int unknown, int k) {
-  return c.b[static_cast<std::size_t>(k * kPeriod + unknown % kPeriod)];
+  const int place = k * kPeriod + unknown % kPeriod;
+  return c.b[static_cast<std::size_t>(place)];
 }
 
 inline double closing_right_side(const Case& c, int k) {

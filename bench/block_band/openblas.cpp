@@ -20,13 +20,13 @@ struct Fold {
       : c(chain),
         rows(c.m + c.p),
         cols(c.m + bench::kSides),
-        window(static_cast<std::size_t>(rows * cols)),
+        window(bench::n_elements(rows, cols)),
         finished(static_cast<std::size_t>(c.n) * static_cast<std::size_t>(cols)),
         X(static_cast<std::size_t>(c.n) * bench::kSides),
         tau(static_cast<std::size_t>(rows)) {
     work = bench::workspace([this](double* w, int size) { factor(w, size); });
   }
-  double& at(int i, int j) { return window[static_cast<std::size_t>(j * rows + i)]; }
+  double& at(int i, int j) { return window[bench::n_elements(rows, j) + static_cast<std::size_t>(i)]; }
   void factor(double* w, int size) {
     LAPACKE_dgeqrf_work(LAPACK_COL_MAJOR, rows, cols, window.data(), rows, tau.data(), w, size);
   }

@@ -15,7 +15,7 @@ class Chain : public TnLaBlkBndSolver {
                            int& first_unknown) const override {
     count = case_.p;
     first_unknown = block;
-    const auto n_cols = static_cast<std::size_t>(case_.m + bench::kSides);
+    const std::size_t n_cols = G.n_cols();
     auto row = static_cast<std::size_t>(first_row);
     for (int e = 0; e < count; ++e, ++row) {
       const double* const equation = bench::equation(case_, block, e);

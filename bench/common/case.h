@@ -6,6 +6,11 @@
 
 namespace bench {
 
+// How many elements a matrix has.
+constexpr std::size_t n_elements(int rows, int cols) {
+  return static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols);
+}
+
 // Which runs a case takes part in: all of them, all but the quick ones, or the full run alone and there a
 // few times only, because one step takes long.
 enum class Extent { kQuick, kFull, kLong };

@@ -14,6 +14,16 @@ double length(const std::vector<double>& x) {
   return std::sqrt(sum);
 }
 
+std::vector<double> transposed(int m, int n, const std::vector<double>& a) {
+  const auto rows = static_cast<std::size_t>(m);
+  const auto cols = static_cast<std::size_t>(n);
+  std::vector<double> result;
+  for (std::size_t i = 0; i < rows; ++i) {
+    for (std::size_t j = 0; j < cols; ++j) result.push_back(a[j * rows + i]);
+  }
+  return result;
+}
+
 std::vector<double> multiply(int m, int n, int p, const double* a, const double* b) {
   const auto rows = static_cast<std::size_t>(m);
   const auto inner = static_cast<std::size_t>(n);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 // How wrong an answer is, in units of what rounding can explain.  All matrices are column by column.
@@ -12,6 +13,9 @@ double worse(double a, double b);
 
 // The Euclidean length of all elements.
 double length(const std::vector<double>& x);
+
+// The n x m transpose of an m x n A.
+std::vector<double> transposed(int m, int n, const std::vector<double>& a);
 
 // C = A B for an m x n A and p columns of B.
 std::vector<double> multiply(int m, int n, int p, const double* a, const double* b);

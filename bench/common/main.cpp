@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <limits>
@@ -35,9 +36,18 @@ struct Peer {
   std::unique_ptr<Task> task(const Case& c) const { return std::unique_ptr<Task>(make_task(c)); }
 };
 
+// The problem's name: the program is called <problem>_bench.
+std::string problem() {
+  const std::string name = program_invocation_short_name;
+  return name.substr(0, name.rfind('_'));
+}
+
+// Nothing where the peer has no file for the problem.
 Peer load(const std::string& name) {
+  const std::string module = TNLA_BENCH_MODULES + problem() + "_" + name + ".so";
+  if (access(module.c_str(), F_OK) != 0) return {};
   // Local: a name that two peers define is looked up in the peer's own modules.
-  void* const handle = dlopen((TNLA_BENCH_MODULES + name + ".so").c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     std::fprintf(stderr, "%s is left out: %s\n", name.c_str(), dlerror());
     return {};
@@ -117,9 +127,17 @@ double checked(const Peer& peer, const Row& row, Task& task, heap::Use& use) {
   return error;
 }
 
+// For a run whose results go to a file.
+class Silent : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context& /*context*/) override { return true; }
+  void ReportRuns(const std::vector<Run>& /*runs*/) override {}
+};
+
 struct Options {
   bool quick = false;
   bool check = false;
+  bool silent = false;
   int repetitions = 0;
 };
 
@@ -140,6 +158,7 @@ Options take_options(int& argc, char** argv) {
       return argument.substr(0, name.size()) == name ? std::stod(std::string(argument.substr(name.size())))
                                                      : 0.0;
     };
+    options.silent |= argument.substr(0, 16) == "--benchmark_out=";
     options.repetitions += static_cast<int>(value_of("--benchmark_repetitions="));
     progress.shortest += value_of("--benchmark_min_time=");
   }
@@ -193,6 +212,11 @@ int main(int argc, char** argv) {
   }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
+  Silent silent;
+  if (options.silent) {
+    benchmark::RunSpecifiedBenchmarks(&silent);
+  } else {
+    benchmark::RunSpecifiedBenchmarks();
+  }
   benchmark::Shutdown();
 }

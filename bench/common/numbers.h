@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/case.h"
+
 namespace bench {
 
 // n numbers in [-1, 1), the same ones for the same seed (splitmix64).
@@ -19,7 +21,7 @@ inline std::vector<double> numbers(std::size_t n, std::uint64_t seed) {
 }
 
 inline std::vector<double> matrix(int rows, int cols, std::uint64_t seed) {
-  return numbers(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols), seed);
+  return numbers(n_elements(rows, cols), seed);
 }
 
 }  // namespace bench

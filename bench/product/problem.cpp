@@ -11,14 +11,6 @@
 
 namespace {
 
-std::vector<double> transposed(int n, const std::vector<double>& a) {
-  std::vector<double> result;
-  for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < n; ++j) result.push_back(a[static_cast<std::size_t>(j * n + i)]);
-  }
-  return result;
-}
-
 std::vector<double> magnitudes(std::vector<double> x) {
   for (double& value : x) value = std::fabs(value);
   return x;
@@ -48,8 +40,8 @@ std::size_t bench::answer_size(const Case& c) { return c.a.size(); }
 // difference is at most about 3 n eps |A| |B| |v|.
 double bench::error(const Case& c, const double* answer) {
   const int n = c.n;
-  const std::vector<double> a = c.operation == "transposed_a" ? transposed(n, c.a) : c.a;
-  const std::vector<double> b = c.operation == "transposed_b" ? transposed(n, c.b) : c.b;
+  const std::vector<double> a = c.operation == "transposed_a" ? transposed(n, n, c.a) : c.a;
+  const std::vector<double> b = c.operation == "transposed_b" ? transposed(n, n, c.b) : c.b;
   const std::vector<double> v = matrix(n, 1, 3);
   const auto a_b_v = [n](const std::vector<double>& A, const std::vector<double>& B,
                          const std::vector<double>& V) {

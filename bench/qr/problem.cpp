@@ -27,7 +27,7 @@ void bench::fill(Case& c) {
   c.b = multiply(c.m, c.n, c.p, c.a.data(), matrix(c.n, c.p, 2).data());
 }
 
-std::size_t bench::answer_size(const Case& c) { return static_cast<std::size_t>(c.n * c.p); }
+std::size_t bench::answer_size(const Case& c) { return n_elements(c.n, c.p); }
 
 double bench::error(const Case& c, const double* answer) {
   return residual(c.m, c.n, c.p, c.a.data(), answer, c.b.data());

@@ -20,14 +20,6 @@ std::vector<double> solution(const bench::Case& c) {
   return bench::multiply(c.n, rank(c), c.p, right(c).data(), bench::matrix(rank(c), c.p, 3).data());
 }
 
-std::vector<double> transposed(int m, int n, const std::vector<double>& a) {
-  std::vector<double> result;
-  for (int i = 0; i < m; ++i) {
-    for (int j = 0; j < n; ++j) result.push_back(a[static_cast<std::size_t>(j * m + i)]);
-  }
-  return result;
-}
-
 }  // namespace
 
 std::vector<bench::Case> bench::cases() {
