@@ -1,0 +1,3 @@
+#include "common/peer.h"
+
+std::string bench::version() { return "this library"; }

@@ -1,0 +1,20 @@
+#include "common/eigen.h"
+
+namespace {
+
+struct Solve {
+  Eigen::MatrixXd A;
+  Eigen::MatrixXd B;
+  Eigen::MatrixXd X;
+
+  explicit Solve(const bench::Case& c) : A(bench::matrix_a(c)), B(bench::matrix_b(c)) {}
+  void step() { X = A.householderQr().solve(B); }
+  void answer(double* out) const { bench::copy_out(X, out); }
+};
+
+}  // namespace
+
+std::unique_ptr<bench::Task> bench::make_task(const Case& c) {
+  if (c.n <= 1000) return task<Solve>(c);
+  return nullptr;
+}
