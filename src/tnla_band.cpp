@@ -12,6 +12,7 @@ using tnla_kernels::Index;
 
 namespace {
 
+constexpr Index kNarrow = 6;
 constexpr Index kRowsTogether = 32;  // whose copies are substituted at a time
 
 // For a fold of n_copies rows, and the columns of its reflections; for a substitution: rows, what is read
@@ -60,7 +61,7 @@ void TnLaBand::fold(Index count, Index first) {
 bool TnLaBand::fold_copies(Index count, Index first) {
   const Index n_old = n_rows_ - first;
   const Index height = n_old + count;
-  if (bandwidth_ < 1 || first < front_ || n_old < 0 || height > n_copies_) return false;
+  if (height < 2 || bandwidth_ < kNarrow || first < front_ || n_old < 0 || height > n_copies_) return false;
   const tnla_kernels::BandKernels& band = tnla_kernels::best.band;
   double* const g = TnLaAccess::elements(G_) + first;
   const auto ld = static_cast<Index>(G_.n_rows());
@@ -69,7 +70,7 @@ bool TnLaBand::fold_copies(Index count, Index first) {
   band.gather(count, 0, bandwidth_, n_rhs_, g + n_old, ld, copies + n_old * stride_, stride_);
   if (!band.fold(n_old, height, bandwidth_, copies, stride_, copies + height * stride_)) return false;
   align_rows(front_ + 1, first, first);
-  band.scatter(height, bandwidth_ + n_rhs_, copies, stride_, g, ld);
+  band.scatter(height, bandwidth_ + n_rhs_, bandwidth_, copies, stride_, g, ld);
   return true;
 }
 
@@ -169,7 +170,7 @@ Index TnLaBand::substitute_together(Index n_rows, const double* coupling, TnLaDb
     const Index n_left =
         band.substitute(n, bandwidth_, n_rhs_, kSmallestBandDiagonal, copies, stride_, n_coupled,
                         coupling + begin * n_coupled, x_coupled, solved, x_stride);
-    band.scatter(n - n_left, n_rhs_, solved + n_left * x_stride, x_stride, to + begin + n_left, n_);
+    band.scatter(n - n_left, n_rhs_, 0, solved + n_left * x_stride, x_stride, to + begin + n_left, n_);
     if (n_left > 0) return begin + n_left;
     end = begin;
   }

@@ -154,7 +154,7 @@ class Elimination {
       band.eliminate(column, equations_.count, pivot_row_, copies_, stride_, u_);
       copy_out(row, column, coupling(v));
     }
-    band.scatter(end - begin, bandwidth() + n_rhs(), rows_, row_stride_, g, ldg);
+    band.scatter(end - begin, bandwidth() + n_rhs(), 0, rows_, row_stride_, g, ldg);
   }
 
   // A row of the triangle, whose first unknown stands in `column`, becomes the pivot row.

@@ -11,226 +11,410 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
+constexpr Index kSideBySide = 4;  // vectors whose sums run together: they hide the latency of an addition
+constexpr Index kFewRows = 4;     // below the pivot that stay in registers
+constexpr Index kChunk = 16;      // rows after which work on the chain and work beside it take turns
+
 // --- One reflection ----------------------------------------------------------------------------------
 
-constexpr Index kSideBySide = 8;  // vectors whose sums run together: they hide the latency of an addition
-constexpr Index kChunk = 16;      // rows that are updated between two pieces of the next one's sum
-
-// Of a pivot row and n rows below it, taken from one column.
+// A reflection of a pivot row and n rows below it, in the course of its construction and after it.
 struct Reflection {
-  Index column;
-  Index n;
   double* pivot;
   double* rows;
   Index stride;
-  double* u;
+  Index n;
+  const double* u;
 
   double largest = 0.0;
   double inverse = 0.0;
   double sum = 0.0;
+  double s = 0.0;
   double up = 0.0;
   double scale = 0.0;
 
-  // Keeps the column as u, and zeroes it.
-  void take_column() {
-    largest = std::fabs(pivot[column]);
-    double* entry = rows + column;
-    for (Index e = 0; e < n; ++e, entry += stride) {
-      u[e] = *entry;
-      *entry = 0.0;
-      const double magnitude = std::fabs(u[e]);
-      largest = magnitude > largest ? magnitude : largest;
-    }
+  void begin(double p, double magnitude) {
+    s = p;
+    largest = magnitude;
     inverse = 1.0 / largest;
-    const double scaled = pivot[column] * inverse;
-    sum = scaled * scaled;
+    sum = (p * inverse) * (p * inverse);
   }
 
-  void add_squares(Index begin, Index end) {
-    for (Index e = begin; e < end; ++e) {
-      const double scaled = u[e] * inverse;
-      sum += scaled * scaled;
-    }
+  void add_squares(Index from, Index to) {
+    double total = sum;  // in a register, whatever u may overlap
+    for (Index e = from; e < to; ++e) total += (u[e] * inverse) * (u[e] * inverse);
+    sum = total;
   }
 
   void finish() {
-    if (largest < kNoReflection) return;  // up and scale are 0: the identity
-    double s = largest * std::sqrt(sum);
-    if (pivot[column] > 0.0) s = -s;
-    up = pivot[column] - s;
-    pivot[column] = s;
+    if (largest < kNoReflection) return;  // s stays p, and up and scale are 0: the identity
+    static constexpr double kSign[] = {1.0, -1.0};
+    const double p = s;
+    s = largest * kSign[p > 0.0] * std::sqrt(sum);  // the sign costs no branch, and no time before the root
+    up = p - s;
     scale = reflection_scale(s, up);
   }
 };
 
-// What a reflection adds to a vector of columns, and to which of them.
-struct Change {
-  Lanes factor;
-  Mask live;
-};
-
-template <Index n_vec>
-void form_changes(const Reflection& h, Index q, Change* changes) {
-  Lanes sums[n_vec];
-  for (Index g = 0; g < n_vec; ++g) sums[g] = load(h.pivot + (q + g) * kLanes) * h.up;
-  const double* row = h.rows + q * kLanes;
-  for (Index e = 0; e < h.n; ++e, row += h.stride) {
-    const Lanes u = splat(h.u[e]);
-    for (Index g = 0; g < n_vec; ++g) sums[g] += load(row + g * kLanes) * u;
-  }
-  const Mask applies = splat(h.scale) != 0.0;
-  for (Index g = 0; g < n_vec; ++g) changes[g] = {sums[g] * h.scale, (sums[g] != 0.0) & applies};
+double larger_magnitude(double x, double largest) {
+  const double magnitude = std::fabs(x);
+  return magnitude > largest ? magnitude : largest;
 }
 
-void form_changes(const Reflection& h, Index q, Index n_vec, Change* changes) {
-  switch (n_vec) {
-    case 1:
-      return form_changes<1>(h, q, changes);
-    case 2:
-      return form_changes<2>(h, q, changes);
-    case 3:
-      return form_changes<3>(h, q, changes);
-    case 4:
-      return form_changes<4>(h, q, changes);
-    case 5:
-      return form_changes<5>(h, q, changes);
-    case 6:
-      return form_changes<6>(h, q, changes);
-    case 7:
-      return form_changes<7>(h, q, changes);
-    default:
-      return form_changes<kSideBySide>(h, q, changes);
-  }
-}
+// --- Vectors of columns --------------------------------------------------------------------------------
 
 Mask numbers_from(Index first) {
-  Mask numbers;
-  for (Index l = 0; l < kLanes; ++l) numbers[l] = first + l;
-  return numbers;
+  Mask lane{};
+  for (Index l = 0; l < kLanes; ++l) lane[l] = l;
+  return lane + first;
 }
 
-// Leaves the reflection's own column alone, which take_column() and finish() have written.
-void spare_column(const Reflection& h, Index q, Change& change) {
-  change.live &= numbers_from(q * kLanes) != h.column - Mask{};
+Mask bits_of(Lanes v) {
+  Mask bits;
+  std::memcpy(&bits, &v, sizeof bits);
+  return bits;
 }
 
-void add_change(double* w, const Change& change, Lanes u) {
-  const Lanes old = load(w);
-  store(w, select(change.live, old + change.factor * u, old));
-}
+Mask is_negative_zero(Lanes v) { return bits_of(v) == std::numeric_limits<std::int64_t>::min() - Mask{}; }
 
-// Vector q of the pivot row.
-void update_pivot(const Reflection& h, Index q, const Change& change) {
-  add_change(h.pivot + q * kLanes, change, splat(h.up));
-}
+// What a reflection adds to n_vec vectors from column `begin` on.
+struct Change {
+  Index begin;
+  Index n_vec;
+  Lanes factor[kSideBySide];  // the sum, until it is complete
+  Mask live[kSideBySide];
 
-// Vector q of the rows begin ... end-1.
-void update_rows(const Reflection& h, Index q, const Change& change, Index begin, Index end) {
-  double* w = h.rows + begin * h.stride + q * kLanes;
-  for (Index e = begin; e < end; ++e, w += h.stride) add_change(w, change, splat(h.u[e]));
-}
+  double* of(double* row, Index g) const { return row + begin + g * kLanes; }
 
-// Vectors begin ... end-1 of everything.
-void update(const Reflection& h, Index q, const Change* changes, Index begin, Index end) {
-  for (Index g = begin; g < end; ++g) {
-    update_pivot(h, q + g, changes[g]);
-    update_rows(h, q + g, changes[g], 0, h.n);
+  void start(const Reflection& h, Index from, Index end) {
+    begin = from;
+    n_vec = smaller(kSideBySide, (end - begin) / kLanes);
+    for (Index g = 0; g < n_vec; ++g) factor[g] = load(of(h.pivot, g)) * h.up;
   }
-}
+
+  template <Index n>
+  void add_products(const Reflection& h, Index from, Index to) {
+    Lanes sums[n];
+    for (Index g = 0; g < n; ++g) sums[g] = factor[g];
+    const double* row = h.rows + from * h.stride + begin;
+    for (Index e = from; e < to; ++e, row += h.stride) {
+      const Lanes u = splat(h.u[e]);
+      for (Index g = 0; g < n; ++g) sums[g] += load(row + g * kLanes) * u;
+    }
+    for (Index g = 0; g < n; ++g) factor[g] = sums[g];
+  }
+
+  void add_products(const Reflection& h, Index from, Index to) {
+    switch (n_vec) {
+      case 1: return add_products<1>(h, from, to);
+      case 2: return add_products<2>(h, from, to);
+      case 3: return add_products<3>(h, from, to);
+      case kSideBySide: return add_products<kSideBySide>(h, from, to);
+      default: return;
+    }
+  }
+
+  void complete(const Reflection& h) {
+    const Mask applies = splat(h.scale) != 0.0;
+    for (Index g = 0; g < n_vec; ++g) {
+      live[g] = (factor[g] != 0.0) & applies;
+      factor[g] *= h.scale;
+    }
+  }
+
+  void update_rows(const Reflection& h, Index from, Index to) const {
+    const double* const u = h.u;
+    for (Index g = 0; g < n_vec; ++g) {
+      double* w = of(h.rows, g) + from * h.stride;
+      const Lanes f = factor[g];
+      const Mask applies = live[g];
+      for (Index e = from; e < to; ++e, w += h.stride) {
+        const Lanes old = load(w);
+        store(w, select(applies, old + f * u[e], old));
+      }
+    }
+  }
+
+  void update_pivot(const Reflection& h) const {
+    for (Index g = 0; g < n_vec; ++g) {
+      const Lanes old = load(of(h.pivot, g));
+      store(of(h.pivot, g), select(live[g], old + factor[g] * h.up, old));
+    }
+  }
+};
 
 // --- Fold --------------------------------------------------------------------------------------------
 
-// Whether the old rows are a triangle with +0.0 below the diagonal, of finite numbers and without a -0.0.
-bool is_plain_triangle(Index n_old, const double* rows, Index stride) {
-  Lanes not_finite{};
-  Mask odd{};
-  for (Index i = 0; i < n_old; ++i, rows += stride) {
-    for (Index q = 0; q < stride; q += kLanes) {
-      const Lanes w = load(rows + q);
-      Mask bits;
-      std::memcpy(&bits, &w, sizeof bits);
-      odd |= bits == std::numeric_limits<std::int64_t>::min() - Mask{};
-      if (q < i) odd |= bits & (numbers_from(q) < i - Mask{});
-      not_finite += w - w;
+class Fold {
+ public:
+  Fold(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch)
+      : n_old_(n_old),
+        n_rows_(n_rows),
+        n_reflections_(smaller(bandwidth, n_rows - 1)),
+        rows_(rows),
+        stride_(stride),
+        columns_{scratch, scratch + n_rows} {}
+
+  bool run() {
+    if (n_reflections_ > 0) build_first();
+    const bool plain_zeros = n_rows_ - n_old_ <= kFewRows && !has_negative_zero(n_old_, n_rows_);
+    for (Index i = 0; i < n_reflections_;) {
+      const Index end = larger(smaller(n_old_, n_reflections_), i + 1);  // up to which n stays
+      switch (plain_zeros ? h_.n : 0) {
+        case 1: few_rows<1>(i, end); break;
+        case 2: few_rows<2>(i, end); break;
+        case 3: few_rows<3>(i, end); break;
+        case 4: few_rows<4>(i, end); break;
+        default: step(i), ++i; continue;
+      }
+      i = end;
+    }
+    for (Index i = larger(n_reflections_, 0); i < n_old_; ++i) check_old_row(i);
+    return !any(odd_) && !any(not_finite_ != 0.0);
+  }
+
+ private:
+  double* row(Index i) const { return rows_ + i * stride_; }
+
+  Index first_below(Index i) const { return larger(i + 1, n_old_); }
+
+  Reflection reflection(Index i, const double* u) const {
+    const Index below = first_below(i);
+    return {row(i), row(below), stride_, n_rows_ - below, u};
+  }
+
+  bool has_negative_zero(Index begin, Index end) const {
+    Mask found{};
+    for (const double* p = row(begin); p < row(end); p += kLanes) found |= is_negative_zero(load(p));
+    return any(found);
+  }
+
+  void build_first() {
+    h_ = reflection(0, columns_[0]);
+    double largest = std::fabs(h_.pivot[0]);
+    for (Index e = 0; e < h_.n; ++e) {
+      columns_[0][e] = h_.rows[e * stride_];
+      largest = larger_magnitude(columns_[0][e], largest);
+    }
+    h_.begin(h_.pivot[0], largest);
+    h_.add_squares(0, h_.n);
+    h_.finish();
+  }
+
+  // Applies reflection i, and builds the next one while the change of the rows is under way: its chain of
+  // operations is the longest.
+  void step(Index i) {
+    const bool is_last = i + 1 == n_reflections_;
+    Change change;
+    change.start(h_, (i + 1) / kLanes * kLanes, stride_);
+    double lead = is_last ? 0.0 : h_.pivot[i + 1] * h_.up;
+    for (Index from = 0; from < h_.n; from += kChunk) {
+      const Index to = smaller(from + kChunk, h_.n);
+      if (!is_last) lead = add_products_of_column(i + 1, from, to, lead);
+      change.add_products(h_, from, to);
+    }
+    Reflection next = is_last ? h_ : begin_next(i + 1, lead);
+    complete(i, change);
+    for (Index from = 0; from < h_.n; from += kChunk) {
+      const Index to = smaller(from + kChunk, h_.n);
+      if (!is_last) next.add_squares(from, smaller(to, next.n));
+      change.update_rows(h_, from, to);
+    }
+    if (!is_last) next.finish();
+    check_old_row(i);
+    change.update_pivot(h_);
+    apply_from(change.begin + change.n_vec * kLanes, i);
+    h_.pivot[i] = h_.s;
+    h_ = next;
+  }
+
+  // The same for the reflections begin ... end-1 of n rows, which stay in registers.
+  template <Index n>
+  void few_rows(Index begin, Index end) {
+    Reflection h = h_;
+    for (Index i = begin; i < end; ++i) {
+      Reflection next = h;
+      if (i + 1 < n_reflections_) next = build_next<n>(i + 1, h);
+      check_old_row(i);
+      if (h.scale != 0.0) apply<n>(i, h);
+      h.pivot[i] = h.s;
+      h = next;
+    }
+    h_ = h;
+  }
+
+  template <Index n>
+  void apply(Index i, const Reflection& h) {
+    Lanes u[n];
+    for (Index e = 0; e < n; ++e) u[e] = splat(h.u[e]);
+    for (Index c = (i + 1) / kLanes * kLanes; c < stride_; c += kLanes) {
+      double* const w = h.rows + c;
+      const Lanes pivot = load(h.pivot + c);
+      Lanes rows[n];
+      Lanes sum = pivot * h.up;
+      for (Index e = 0; e < n; ++e) {
+        rows[e] = load(w + e * stride_);
+        sum += rows[e] * u[e];
+      }
+      const Lanes factor = sum * h.scale;
+      not_finite_ += factor - factor;
+      store(h.pivot + c, pivot + factor * h.up);
+      for (Index e = 0; e < n; ++e) store(w + e * stride_, rows[e] + factor * u[e]);
     }
   }
-  return !any(odd) && !any(not_finite != 0.0);
-}
 
-// The rows in the course of a fold.
-struct Fold {
-  Index n_old;
-  Index n_rows;
-  double* rows;
-  Index stride;
-  double* scratch;
-
-  // The one that zeroes column i.  Those of odd and even columns live at the same time.
-  Reflection reflection(Index i) const {
-    const Index begin = larger(i + 1, n_old);
-    return {i, n_rows - begin, rows + i * stride, rows + begin * stride, stride, scratch + i % 2 * n_rows};
+  // Reflection i, from its column, to which the one before is applied here.
+  template <Index n>
+  Reflection build_next(Index i, const Reflection& h) {
+    const double* const rows = h.rows + i;
+    double product = h.pivot[i] * h.up;
+    for (Index e = 0; e < n; ++e) product += rows[e * stride_] * h.u[e];
+    double entries[n];
+    for (Index e = 0; e < n; ++e) entries[e] = rows[e * stride_];
+    if (h.scale != 0.0) {
+      const double factor = product * h.scale;
+      for (Index e = 0; e < n; ++e) entries[e] += factor * h.u[e];
+    }
+    double* const u = columns_[i % 2];
+    for (Index e = 0; e < n; ++e) u[e] = entries[e];
+    const Index is_new = i >= n_old_ ? 1 : 0;  // the pivot is one of the rows that change
+    Reflection next = reflection(i, u + is_new);
+    const double pivot = is_new == 1 ? entries[0] : next.pivot[i];
+    double largest = std::fabs(pivot);  // the pivot once more, where it is new, does no harm
+    for (Index e = 0; e < n; ++e) largest = larger_magnitude(entries[e], largest);
+    next.begin(pivot, largest);
+    if (is_new == 0) next.sum += (entries[0] * next.inverse) * (entries[0] * next.inverse);
+    for (Index e = 1; e < n; ++e) next.sum += (entries[e] * next.inverse) * (entries[e] * next.inverse);
+    next.finish();
+    return next;
   }
+
+  double add_products_of_column(Index column, Index from, Index to, double sum) const {
+    const double* entry = h_.rows + from * stride_ + column;
+    const double* const u = h_.u;
+    for (Index e = from; e < to; ++e, entry += stride_) sum += *entry * u[e];
+    return sum;
+  }
+
+  // Reflection i from its column, to which the one before is applied here: the vectors come later.
+  Reflection begin_next(Index i, double product) {
+    const bool applies = product != 0.0 && h_.scale != 0.0;
+    const double factor = product * h_.scale;
+    double* const u = columns_[i % 2];
+    const double* const rows = h_.rows + i;
+    const auto updated = [&, old_u = h_.u, stride = stride_](Index e) {
+      const double entry = rows[e * stride];
+      return u[e] = applies ? entry + factor * old_u[e] : entry;
+    };
+    const Index is_new = i >= n_old_ ? 1 : 0;  // the pivot is one of the rows that change
+    Reflection next = reflection(i, u + is_new);
+    const double pivot = is_new == 1 ? updated(0) : next.pivot[i];
+    double largest = std::fabs(pivot);
+    for (Index e = is_new; e < h_.n; ++e) largest = larger_magnitude(updated(e), largest);
+    next.begin(pivot, largest);
+    return next;
+  }
+
+  void complete(Index i, Change& change) {
+    change.complete(h_);
+    for (Index g = 0; g < change.n_vec; ++g) {
+      change.live[g] &= numbers_from(change.begin + g * kLanes) > i - Mask{};
+      not_finite_ += select(change.live[g], change.factor[g] - change.factor[g], Lanes{});
+    }
+  }
+
+  // The vectors from `begin` on.
+  void apply_from(Index begin, Index i) {
+    for (; begin < stride_; begin += kSideBySide * kLanes) {
+      Change change;
+      change.start(h_, begin, stride_);
+      change.add_products(h_, 0, h_.n);
+      complete(i, change);
+      change.update_rows(h_, 0, h_.n);
+      change.update_pivot(h_);
+    }
+  }
+
+  void check_old_row(Index i) {
+    if (i >= n_old_) return;
+    const double* const w = row(i);
+    for (Index c = 0; c < stride_; c += kLanes) {
+      const Lanes v = load(w + c);
+      odd_ |= is_negative_zero(v) | (bits_of(v) & (numbers_from(c) < i - Mask{}));
+      not_finite_ += v - v;
+    }
+  }
+
+  Index n_old_;
+  Index n_rows_;
+  Index n_reflections_;
+  double* rows_;
+  Index stride_;
+  double* columns_[2];  // u of the reflections of even and of odd columns
+  Reflection h_;
+  Mask odd_{};
+  Lanes not_finite_{};
 };
 
-// Applies h to the vectors from q on.  In the shadow of the next one's long chain.
-void apply_and_build(const Reflection& h, Index q, Index n_vec, const Change* changes, Reflection& next) {
-  update(h, q, changes, 0, 1);
-  next.take_column();
-  for (Index begin = 0; begin < h.n; begin += kChunk) {
-    const Index end = smaller(begin + kChunk, h.n);
-    next.add_squares(begin, smaller(end, next.n));
-    for (Index g = 1; g < n_vec; ++g) update_rows(h, q + g, changes[g], begin, end);
-  }
-  for (Index g = 1; g < n_vec; ++g) update_pivot(h, q + g, changes[g]);
-  next.finish();
+bool fold(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch) {
+  return Fold(n_old, n_rows, bandwidth, rows, stride, scratch).run();
 }
 
-bool fold(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch) {
-  if (!is_plain_triangle(n_old, rows, stride)) return false;
-  const Fold all{n_old, n_rows, rows, stride, scratch};
-  const Index n_reflections = smaller(bandwidth, n_rows - 1);
-  if (n_reflections < 1) return true;
+// --- Contiguous columns --------------------------------------------------------------------------------
 
-  Lanes not_finite{};
-  Reflection h = all.reflection(0);
-  h.take_column();
-  h.add_squares(0, h.n);
-  h.finish();
-  for (Index i = 0; i < n_reflections; ++i) {
-    const bool is_last = i + 1 == n_reflections;
-    Reflection next = is_last ? h : all.reflection(i + 1);
-    const Index first = (i + 1) / kLanes;
-    for (Index q = first; q * kLanes < stride; q += kSideBySide) {
-      const Index n_vec = smaller(kSideBySide, stride / kLanes - q);
-      Change changes[kSideBySide];
-      form_changes(h, q, n_vec, changes);
-      for (Index g = 0; g < n_vec; ++g) not_finite += changes[g].factor - changes[g].factor;
-      if (q == first) spare_column(h, q, changes[0]);
-      if (q > first || is_last) {
-        update(h, q, changes, 0, n_vec);
-      } else {
-        apply_and_build(h, q, n_vec, changes, next);
-      }
-    }
-    h = next;
+template <Index n_cols>
+void reflect_together(double up, const double* u, Index n, double scale, double* w, Index stride) {
+  double sums[n_cols];
+  for (Index c = 0; c < n_cols; ++c) sums[c] = w[c * stride] * up;
+  const double* const range = w + 1;
+  for (Index e = 0; e < n; ++e) {
+    for (Index c = 0; c < n_cols; ++c) sums[c] += range[c * stride + e] * u[e];
   }
-  return !any(not_finite != 0.0);
+  for (Index c = 0; c < n_cols; ++c, w += stride) {
+    if (sums[c] == 0.0) continue;
+    const double factor = sums[c] * scale;
+    w[0] += factor * up;
+    for (Index e = 0; e < n; ++e) w[1 + e] += factor * u[e];
+  }
+}
+
+void reflect_columns(double up, const double* u, Index n, double scale, double* w, Index stride,
+                     Index n_cols) {
+  for (; n_cols >= 6; n_cols -= 3, w += 3 * stride) reflect_together<3>(up, u, n, scale, w, stride);
+  switch (n_cols) {
+    case 1: return reflect_together<1>(up, u, n, scale, w, stride);
+    case 2: return reflect_together<2>(up, u, n, scale, w, stride);
+    case 3: return reflect_together<3>(up, u, n, scale, w, stride);
+    case 4: return reflect_together<4>(up, u, n, scale, w, stride);
+    case 5: return reflect_together<5>(up, u, n, scale, w, stride);
+    default: return;
+  }
 }
 
 // --- Elimination -------------------------------------------------------------------------------------
 
 void eliminate(Index column, Index n, double* pivot, double* rows, Index stride, double* u) {
-  Reflection h{column, n, pivot, rows, stride, u};
-  h.take_column();
+  Reflection h{pivot, rows, stride, n, u};
+  double largest = std::fabs(pivot[column]);
+  for (Index e = 0; e < n; ++e) {
+    u[e] = rows[e * stride + column];
+    rows[e * stride + column] = 0.0;
+    largest = larger_magnitude(u[e], largest);
+  }
+  h.begin(pivot[column], largest);
   h.add_squares(0, n);
   h.finish();
-  for (Index q = 0; q * kLanes < stride; q += kSideBySide) {
-    const Index n_vec = smaller(kSideBySide, stride / kLanes - q);
-    Change changes[kSideBySide];
-    form_changes(h, q, n_vec, changes);
-    for (Index g = 0; g < n_vec; ++g) spare_column(h, q + g, changes[g]);
-    update(h, q, changes, 0, n_vec);
+  for (Index begin = 0; begin < stride; begin += kSideBySide * kLanes) {
+    Change change;
+    change.start(h, begin, stride);
+    change.add_products(h, 0, n);
+    change.complete(h);
+    for (Index g = 0; g < change.n_vec; ++g) {
+      change.live[g] &= numbers_from(begin + g * kLanes) != column - Mask{};
+    }
+    change.update_rows(h, 0, n);
+    change.update_pivot(h);
   }
+  pivot[column] = h.s;
 }
 
 // --- Substitution ------------------------------------------------------------------------------------
@@ -260,60 +444,62 @@ Index substitute(Index n, Index bandwidth, Index n_rhs, double smallest, const d
 
 // --- Copies ------------------------------------------------------------------------------------------
 
-// Calls f(row) for tiles of kLanes rows; the last one overlaps the one before.
-template <class F>
-void for_tiles(Index n_rows, const F& f) {
-  for (Index row = 0; row + kLanes < n_rows; row += kLanes) f(row);
-  f(n_rows - kLanes);
-}
-
+// By single elements: the client has written them so a moment ago, and a vector could not be read before
+// they have left the processor's store queue.
 void gather(Index n_rows, Index shift, Index bandwidth, Index n_rhs, const double* matrix, Index ld,
             double* rows, Index stride) {
   for (Index c = 0; c < stride; c += kLanes) {
-    static constexpr double kZeros[kLanes] = {};
     const double* from[kLanes];
-    Index step[kLanes];
+    Mask given{};
     for (Index l = 0; l < kLanes; ++l) {
-      const Index column = c + l < bandwidth ? c + l + shift : c + l;
-      const bool given = column < (c + l < bandwidth ? bandwidth : bandwidth + n_rhs);
-      from[l] = given ? matrix + column * ld : kZeros;
-      step[l] = given ? 1 : 0;
+      const bool in_band = c + l < bandwidth;
+      const Index column = in_band ? c + l + shift : c + l;
+      const bool exists = column < (in_band ? bandwidth : bandwidth + n_rhs);
+      from[l] = matrix + (exists ? column : 0) * ld;
+      given[l] = exists ? -1 : 0;
     }
-    if (n_rows < kLanes) {
-      for (Index i = 0; i < n_rows; ++i) {
-        for (Index l = 0; l < kLanes; ++l) rows[i * stride + c + l] = from[l][i * step[l]];
-      }
-      continue;
+    double* to = rows + c;
+    for (Index i = 0; i < n_rows; ++i, to += stride) {
+      Lanes v{};
+      for (Index l = 0; l < kLanes; ++l) v[l] = from[l][i];
+      store(to, select(given, v, Lanes{}));
     }
-    for_tiles(n_rows, [&](Index row) {
-      Lanes tile[kLanes];
-      for (Index l = 0; l < kLanes; ++l) tile[l] = load(from[l] + row * step[l]);
-      transpose_tile(tile);
-      for (Index l = 0; l < kLanes; ++l) store(rows + (row + l) * stride + c, tile[l]);
-    });
   }
 }
 
-void scatter(Index n_rows, Index n_cols, const double* rows, Index stride, double* matrix, Index ld) {
+// Calls f(row, height) for tiles of kLanes rows; if there are as many, the last one overlaps the one
+// before.
+template <class F>
+void for_tiles(Index n_rows, const F& f) {
+  if (n_rows < 1) return;
+  if (n_rows < kLanes) return f(0, n_rows);
+  for (Index row = 0; row + kLanes < n_rows; row += kLanes) f(row, kLanes);
+  f(n_rows - kLanes, kLanes);
+}
+
+void store_some(double* p, Lanes v, Index n) {
+  if (n == kLanes) return store(p, v);
+  for (Index l = 0; l < n; ++l) p[l] = v[l];
+}
+
+void scatter(Index n_rows, Index n_cols, Index n_zeroed, const double* rows, Index stride, double* matrix,
+             Index ld) {
   for (Index c = 0; c < n_cols; c += kLanes) {
     const Index width = smaller(kLanes, n_cols - c);
-    if (n_rows < kLanes) {
-      for (Index l = 0; l < width; ++l) {
-        for (Index i = 0; i < n_rows; ++i) matrix[(c + l) * ld + i] = rows[i * stride + c + l];
-      }
-      continue;
-    }
-    for_tiles(n_rows, [&](Index row) {
-      Lanes tile[kLanes];
-      for (Index l = 0; l < kLanes; ++l) tile[l] = load(rows + (row + l) * stride + c);
+    for_tiles(n_rows, [&](Index row, Index height) {
+      Lanes tile[kLanes] = {};
+      for (Index l = 0; l < height; ++l) tile[l] = load(rows + (row + l) * stride + c);
       transpose_tile(tile);
-      for (Index l = 0; l < width; ++l) store(matrix + (c + l) * ld + row, tile[l]);
+      for (Index l = 0; l < width; ++l) {
+        if (c + l < n_zeroed) tile[l] = select(numbers_from(row) > c + l - Mask{}, Lanes{}, tile[l]);
+        store_some(matrix + (c + l) * ld + row, tile[l], height);
+      }
     });
   }
 }
 
 }  // namespace
 
-BandKernels band_kernels() { return {gather, scatter, fold, eliminate, substitute}; }
+BandKernels band_kernels() { return {gather, scatter, fold, reflect_columns, eliminate, substitute}; }
 
 }  // namespace tnla_kernels::TNLA_SET

@@ -20,8 +20,9 @@ struct BandKernels {
   void (*gather)(Index n_rows, Index shift, Index bandwidth, Index n_rhs, const double* matrix, Index ld,
                  double* rows, Index stride);
 
-  // And back, n_cols columns as they are.
-  void (*scatter)(Index n_rows, Index n_cols, const double* rows, Index stride, double* matrix, Index ld);
+  // And back, n_cols columns as they are, but with +0.0 below the diagonal of the first n_zeroed ones.
+  void (*scatter)(Index n_rows, Index n_cols, Index n_zeroed, const double* rows, Index stride,
+                  double* matrix, Index ld);
 
   // Folds rows n_old ... n_rows-1 into the triangle that the rows before them are, bandwidth >= 1 columns
   // wide: for i = 0, 1, ... bandwidth-1, up to n_rows-2, the reflection of the rows from i on that zeroes
@@ -31,6 +32,11 @@ struct BandKernels {
   // Where that is not so, which the rows themselves tell, the result is false and the rows hold nothing of
   // use.  `scratch` is 2 * n_rows long.
   bool (*fold)(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch);
+
+  // Applies a reflection with a contiguous u to n_cols contiguous columns w[0 ... n], `stride` apart, several
+  // side by side.
+  void (*reflect_columns)(double up, const double* u, Index n, double scale, double* w, Index stride,
+                          Index n_cols);
 
   // The reflection of a pivot row and n rows below it that zeroes their column, applied to the whole
   // stride.  `u` is n long.
