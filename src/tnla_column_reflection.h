@@ -31,7 +31,10 @@ class TnLaColumnReflection {
   void finish() { std::fill_n(u_, n_, 0.0); }
 
  private:
+  // From here on columns side by side are faster: bandwidth 4 with blocks of 1000 equations takes 10 us an
+  // unknown instead of 15, with blocks of 10 it would take 250 ns instead of 230 (bench/block_band).
   static constexpr Index kManyRows = 24;
+
   double* u_;
   Index n_;
   double up_ = 0.0;

@@ -33,12 +33,12 @@ struct BandKernels {
   // use.  `scratch` is 2 * n_rows long.
   bool (*fold)(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch);
 
-  // Applies a reflection with a contiguous u to n_cols contiguous columns w[0 ... n], `stride` apart, several
-  // side by side.
+  // Applies a reflection with a contiguous u to n_cols contiguous columns w[0 ... n], `stride` apart,
+  // several side by side.
   void (*reflect_columns)(double up, const double* u, Index n, double scale, double* w, Index stride,
                           Index n_cols);
 
-  // The reflection of a pivot row and n rows below it that zeroes their column, applied to the whole
+  // The reflection of a pivot row and n >= 1 rows below it that zeroes their column, applied to the whole
   // stride.  `u` is n long.
   void (*eliminate)(Index column, Index n, double* pivot, double* rows, Index stride, double* u);
 
