@@ -20,9 +20,12 @@ namespace tnla_kernels::TNLA_SET::band {
 
 namespace {
 
-constexpr Index kFewRows =
-    4;  // new ones, which stay in registers: 725 ns an unknown became 650 for bandwidth 16
-constexpr Index kChunk = 16;  // rows after which the chain of the next reflection and other work take turns
+// New rows that stay in registers.  With 4 equations an unknown, 2 right-hand sides and bandwidth 16 that
+// takes 650 ns an unknown, without it 825 (bench/block_band).
+constexpr Index kFewRows = 4;
+
+// Rows after which the chain of the next reflection and the change of this one take turns.
+constexpr Index kChunk = 16;
 
 class Fold {
  public:
