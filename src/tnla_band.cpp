@@ -24,7 +24,7 @@ std::size_t scratch_size(Index bandwidth, Index n_rhs, Index n_copies) {
   const auto stride = static_cast<std::size_t>(tnla_kernels::padded_band(bandwidth + n_rhs));
   const auto x_stride = static_cast<std::size_t>(tnla_kernels::padded_band(n_rhs));
   const auto width = static_cast<std::size_t>(bandwidth);
-  const std::size_t fold = static_cast<std::size_t>(n_copies) * (stride + 2);
+  const std::size_t fold = static_cast<std::size_t>(n_copies + tnla_kernels::kBandExtra) * (stride + 2);
   const std::size_t substitution = kRowsTogether * stride + (kRowsTogether + 2 * width + 1) * x_stride;
   return std::max(fold, substitution);
 }
@@ -71,7 +71,9 @@ bool TnLaBand::fold_copies(Index count, Index first) {
   double* const copies = scratch_.data();
   band.gather(n_old, first - front_, bandwidth_, n_rhs_, g, ld, copies, stride_);
   band.gather(count, 0, bandwidth_, n_rhs_, g + n_old, ld, copies + n_old * stride_, stride_);
-  if (!band.fold(n_old, height, bandwidth_, copies, stride_, copies + height * stride_)) return false;
+  if (!band.fold(n_old, height, bandwidth_, copies, stride_,
+                 copies + (height + tnla_kernels::kBandExtra) * stride_))
+    return false;
   align_rows(front_ + 1, first, first);
   band.scatter(height, bandwidth_ + n_rhs_, bandwidth_, copies, stride_, g, ld);
   return true;

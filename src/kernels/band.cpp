@@ -10,15 +10,12 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace band {
 bool fold(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch);
-}
+void eliminate(Index column, Index n, double* pivot, double* rows, Index stride, double* u);
+}  // namespace band
 
 namespace {
 
-using band::Change;
-using band::kSideBySide;
-using band::larger_magnitude;
 using band::numbers_from;
-using band::Reflection;
 
 // --- Contiguous columns --------------------------------------------------------------------------------
 
@@ -40,7 +37,7 @@ void reflect_together(double up, const double* u, Index n, double scale, double*
 
 void reflect_columns(double up, const double* u, Index n, double scale, double* w, Index stride,
                      Index n_cols) {
-  for (; n_cols >= 6; n_cols -= 3, w += 3 * stride) reflect_together<3>(up, u, n, scale, w, stride);
+  for (; n_cols >= 5; n_cols -= 3, w += 3 * stride) reflect_together<3>(up, u, n, scale, w, stride);
   switch (n_cols) {
     case 1:
       return reflect_together<1>(up, u, n, scale, w, stride);
@@ -50,38 +47,9 @@ void reflect_columns(double up, const double* u, Index n, double scale, double* 
       return reflect_together<3>(up, u, n, scale, w, stride);
     case 4:
       return reflect_together<4>(up, u, n, scale, w, stride);
-    case 5:
-      return reflect_together<5>(up, u, n, scale, w, stride);
     default:
       return;
   }
-}
-
-// --- Elimination -------------------------------------------------------------------------------------
-
-void eliminate(Index column, Index n, double* pivot, double* rows, Index stride, double* u) {
-  Reflection h{pivot, rows, stride, n, u};
-  double largest = std::fabs(pivot[column]);
-  for (Index e = 0; e < n; ++e) {
-    u[e] = rows[e * stride + column];
-    rows[e * stride + column] = 0.0;
-    largest = larger_magnitude(u[e], largest);
-  }
-  h.begin(pivot[column], largest);
-  h.add_squares(0, n);
-  h.finish();
-  for (Index begin = 0; begin < stride; begin += kSideBySide * kLanes) {
-    Change change;
-    change.start(h, begin, stride);
-    change.add_products(h, 0, n);
-    change.complete(h);
-    for (Index g = 0; g < change.n_vec; ++g) {
-      change.live[g] &= numbers_from(begin + g * kLanes) != column - Mask{};
-    }
-    change.update_rows(h, 0, n);
-    change.update_pivot(h);
-  }
-  pivot[column] = h.s;
 }
 
 // --- Substitution ------------------------------------------------------------------------------------
@@ -167,6 +135,8 @@ void scatter(Index n_rows, Index n_cols, Index n_zeroed, const double* rows, Ind
 
 }  // namespace
 
-BandKernels band_kernels() { return {gather, scatter, band::fold, reflect_columns, eliminate, substitute}; }
+BandKernels band_kernels() {
+  return {gather, scatter, band::fold, reflect_columns, band::eliminate, substitute};
+}
 
 }  // namespace tnla_kernels::TNLA_SET

@@ -12,6 +12,9 @@ namespace tnla_kernels {
 
 inline constexpr Index kBandPadding = 4;  // as many as the longest vector of a kernel set has lanes
 
+inline constexpr Index kBandExtra =
+    5;  // rows behind those of a fold, and entries behind a column of theirs
+
 static inline Index padded_band(Index n) { return (n + kBandPadding - 1) / kBandPadding * kBandPadding; }
 
 struct BandKernels {
@@ -30,7 +33,7 @@ struct BandKernels {
   //
   // It gives what reflections of that full length give, without touching the zeros of the old triangle.
   // Where that is not so, which the rows themselves tell, the result is false and the rows hold nothing of
-  // use.  `scratch` is 2 * n_rows long.
+  // use.  There is room for kBandExtra rows more, and `scratch` is 2 * (n_rows + kBandExtra) long.
   bool (*fold)(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch);
 
   // Applies a reflection with a contiguous u to n_cols contiguous columns w[0 ... n], `stride` apart,

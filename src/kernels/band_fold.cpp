@@ -23,6 +23,7 @@ namespace {
 // New rows that stay in registers.  With 4 equations an unknown, 2 right-hand sides and bandwidth 16 that
 // takes 650 ns an unknown, without it 825 (bench/block_band).
 constexpr Index kFewRows = 4;
+static_assert(kFewRows < kBandExtra);
 
 // Rows after which the chain of the next reflection and the change of this one take turns.
 constexpr Index kChunk = 16;
@@ -35,31 +36,14 @@ class Fold {
         n_reflections_(smaller(bandwidth, n_rows - 1)),
         rows_(rows),
         stride_(stride),
-        columns_{scratch, scratch + n_rows} {}
+        columns_{scratch, scratch + n_rows + kBandExtra} {}
 
   bool run() {
     if (n_reflections_ > 0) build_first();
-    const bool plain_zeros = n_rows_ - n_old_ <= kFewRows && !has_negative_zero(n_old_, n_rows_);
-    for (Index i = 0; i < n_reflections_;) {
-      const Index end = larger(smaller(n_old_, n_reflections_), i + 1);  // up to which n stays
-      switch (plain_zeros ? h_.n : 0) {
-        case 1:
-          few_rows<1>(i, end);
-          break;
-        case 2:
-          few_rows<2>(i, end);
-          break;
-        case 3:
-          few_rows<3>(i, end);
-          break;
-        case 4:
-          few_rows<4>(i, end);
-          break;
-        default:
-          step(i), ++i;
-          continue;
-      }
-      i = end;
+    if (n_rows_ - n_old_ <= kFewRows && !has_negative_zero(n_old_, n_rows_)) {
+      few_rows();
+    } else {
+      for (Index i = 0; i < n_reflections_; ++i) step(i);
     }
     for (Index i = larger(n_reflections_, 0); i < n_old_; ++i) check_old_row(i);
     return !any(odd_) && !any(not_finite_ != 0.0);
@@ -120,24 +104,27 @@ class Fold {
     h_ = next;
   }
 
-  // The same for the reflections begin ... end-1 of n rows, which stay in registers.  No row holds a -0.0,
-  // and none comes up: so what a sum of 0 adds changes nothing, and need not be left out.
-  template <Index n>
-  void few_rows(Index begin, Index end) {
+  // The same for up to kFewRows new rows, which stay in registers.  Rows of zeros fill them up: they change
+  // as little as those of the old triangle.  No row holds a -0.0, and none comes up: so what a sum of 0
+  // adds changes nothing, and need not be left out.
+  void few_rows() {
+    for (double* p = row(n_rows_); p < row(n_rows_ + kFewRows); p += kLanes) store(p, Lanes{});
+    for (double* const u : columns_) {
+      for (Index e = larger(h_.n, 0); e <= kFewRows; ++e) u[e] = 0.0;
+    }
     Reflection h = h_;
-    for (Index i = begin; i < end; ++i) {
+    for (Index i = 0; i < n_reflections_; ++i) {
       Reflection next = h;
-      if (i + 1 < n_reflections_) next = build_next<n>(i + 1, h);
+      if (i + 1 < n_reflections_) next = build_next(i + 1, h);
       check_old_row(i);
-      if (h.scale != 0.0) apply<n>(i, h);
+      if (h.scale != 0.0) apply(i, h);
       h.pivot[i] = h.s;
       h = next;
     }
-    h_ = h;
   }
 
-  template <Index n>
   void apply(Index i, const Reflection& h) {
+    constexpr Index n = kFewRows;
     Lanes u[n];
     for (Index e = 0; e < n; ++e) u[e] = splat(h.u[e]);
     for (Index c = (i + 1) / kLanes * kLanes; c < stride_; c += kLanes) {
@@ -157,8 +144,8 @@ class Fold {
   }
 
   // Reflection i, from its column, to which the one before is applied here.
-  template <Index n>
   Reflection build_next(Index i, const Reflection& h) {
+    constexpr Index n = kFewRows;
     const double* const rows = h.rows + i;
     double product = h.pivot[i] * h.up;
     for (Index e = 0; e < n; ++e) product += rows[e * stride_] * h.u[e];
@@ -253,6 +240,31 @@ class Fold {
 
 bool fold(Index n_old, Index n_rows, Index bandwidth, double* rows, Index stride, double* scratch) {
   return Fold(n_old, n_rows, bandwidth, rows, stride, scratch).run();
+}
+
+void eliminate(Index column, Index n, double* pivot, double* rows, Index stride, double* u) {
+  Reflection h{pivot, rows, stride, n, u};
+  double largest = std::fabs(pivot[column]);
+  for (Index e = 0; e < n; ++e) {
+    u[e] = rows[e * stride + column];
+    rows[e * stride + column] = 0.0;
+    largest = larger_magnitude(u[e], largest);
+  }
+  h.begin(pivot[column], largest);
+  h.add_squares(0, n);
+  h.finish();
+  for (Index begin = 0; begin < stride; begin += kSideBySide * kLanes) {
+    Change change;
+    change.start(h, begin, stride);
+    change.add_products(h, 0, n);
+    change.complete(h);
+    for (Index g = 0; g < change.n_vec; ++g) {
+      change.live[g] &= numbers_from(begin + g * kLanes) != column - Mask{};
+    }
+    change.update_rows(h, 0, n);
+    change.update_pivot(h);
+  }
+  pivot[column] = h.s;
 }
 
 }  // namespace tnla_kernels::TNLA_SET::band
