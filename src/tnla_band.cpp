@@ -13,8 +13,8 @@ using tnla_kernels::Index;
 namespace {
 
 // Narrower bands are folded where they are: with 4 equations an unknown and 2 right-hand sides that takes
-// 167 ns an unknown for bandwidth 4, copies 181; for 6 it is a draw, and for 16 1300 against 650
-// (bench/block_band).
+// 167 ns an unknown for bandwidth 4, copies 181; for 6 it is a draw, and for 16 1300 against 650, measured
+// with equations from a table.
 constexpr Index kNarrow = 6;
 constexpr Index kRowsTogether = 32;  // whose copies are substituted at a time
 

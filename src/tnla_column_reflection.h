@@ -32,7 +32,8 @@ class TnLaColumnReflection {
 
  private:
   // From here on columns side by side are faster: bandwidth 4 with blocks of 1000 equations takes 10 us an
-  // unknown instead of 15, with blocks of 10 it would take 250 ns instead of 230 (bench/block_band).
+  // unknown instead of 15, with blocks of 10 it would take 250 ns instead of 230, with equations from a
+  // table.
   static constexpr Index kManyRows = 24;
 
   double* u_;
