@@ -14,12 +14,12 @@ function(tnla_kernel_set set lanes)
 endfunction()
 
 set(TNLA_SET_SOURCES
-    src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp
-    src/kernels/jacobi_turns.cpp src/kernels/jacobi_wavefront.cpp src/kernels/matrix_vector.cpp
-    src/kernels/product.cpp src/kernels/product_direct.cpp src/kernels/product_packed.cpp
-    src/kernels/qr.cpp src/kernels/rank_revealing.cpp src/kernels/rank_revealing_solve.cpp
-    src/kernels/reflection.cpp src/kernels/reflection_chain.cpp src/kernels/set.cpp
-    src/kernels/triangular.cpp)
+    src/kernels/band.cpp src/kernels/band_fold.cpp src/kernels/cholesky.cpp src/kernels/elementwise.cpp
+    src/kernels/jacobi.cpp src/kernels/jacobi_turns.cpp src/kernels/jacobi_wavefront.cpp
+    src/kernels/matrix_vector.cpp src/kernels/product.cpp src/kernels/product_direct.cpp
+    src/kernels/product_packed.cpp src/kernels/qr.cpp src/kernels/rank_revealing.cpp
+    src/kernels/rank_revealing_solve.cpp src/kernels/reflection.cpp src/kernels/reflection_chain.cpp
+    src/kernels/set.cpp src/kernels/triangular.cpp)
 
 # GCC would keep a second copy of their loops for vectors whose entries are 1 apart: 10 KB, and not faster.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

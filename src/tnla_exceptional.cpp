@@ -1,12 +1,11 @@
 #include "tnla_exceptional.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "kernels/reductions.h"
+#include "kernels/kernel_set.h"
 #include "tnla_access.h"
-#include "tnla_column_reflection.h"
 #include "tnla_linearsolve_i.h"
+#include "tnla_scratch.h"
 #include "tnlaqrdecompo_i.h"
 
 using tnla_kernels::Index;
@@ -82,77 +81,95 @@ bool solve_dense(const TnLaBand& triangle, const TnLaExceptional& equations, TnL
 // Eliminates unknown after unknown from the exceptional equations, by the triangle's row of that unknown,
 // until only the last 2 NB - 1 are left.  What the rows acquire thereby for the last NB unknowns is the
 // coupling.
+//
+// It works on contiguous copies of the equations,
+//
+//     [ first | last | right-hand sides ]     2 NB + R numbers, padded
+//
+// where unknown u stands in column u mod NB of `first`: no equation moves when it leaves an unknown behind.
 class Elimination {
  public:
   Elimination(TnLaBand& triangle, TnLaExceptional& equations)
       : triangle_(triangle),
         equations_(equations),
         n_eliminated_(triangle.n() - 2 * triangle.bandwidth() + 1),
-        coupling_(zeros(n_eliminated_, triangle.bandwidth())),
-        height_(static_cast<Index>(equations.first.n_rows()) + 1) {
+        coupling_(zeros(triangle.bandwidth(), n_eliminated_)),
+        stride_(tnla_kernels::padded_band(2 * triangle.bandwidth() + triangle.n_rhs())),
+        row_stride_(tnla_kernels::padded_band(triangle.bandwidth() + triangle.n_rhs())),
+        scratch_(product(equations.count + 1, stride_ + 1) + product(kRowsTogether, row_stride_)),
+        pivot_row_(scratch_.data()),
+        copies_(pivot_row_ + stride_),
+        u_(copies_ + equations.count * stride_),
+        rows_(u_ + equations.count + 1) {
     triangle_.align(n_eliminated_);
-    for (TnLaDblMat* const part : {&equations_.first, &equations_.last, &equations_.rhs}) {
-      part->insert_rows(0, 1);  // for the triangle's row
-    }
   }
 
   bool solve(TnLaDblMat& x) {
-    for (Index v = 0; v < n_eliminated_; ++v) {
-      if (v > 0) advance();
-      copy_in(v);
-      eliminate();
-      copy_out(v);
+    std::fill_n(pivot_row_, (equations_.count + 1) * stride_, 0.0);
+    copy_equations([](double& copy, const double& element) { copy = element; }, 0);
+    for (Index v = 0; v < n_eliminated_; v += kRowsTogether) {
+      eliminate(v, std::min(v + kRowsTogether, n_eliminated_));
     }
-    advance();
-    return solve_rest(x) && back_substitute(x);
+    copy_equations([](const double& copy, double& element) { element = copy; }, n_eliminated_);
+    return solve_rest(x) && triangle_.substitute_together(n_eliminated_, coupling(0), x) == 0;
   }
 
  private:
+  static constexpr Index kRowsTogether = 32;  // of the triangle, copied at a time
+
+  static std::size_t product(Index a, Index b) {
+    return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
+  }
+
   Index bandwidth() const { return triangle_.bandwidth(); }
   Index n_rhs() const { return triangle_.n_rhs(); }
+  double* coupling(Index v) { return TnLaAccess::elements(coupling_) + v * bandwidth(); }
 
-  double* first() { return TnLaAccess::elements(equations_.first); }
-  double* last() { return TnLaAccess::elements(equations_.last); }
-  double* rhs() { return TnLaAccess::elements(equations_.rhs); }
-
-  // `first` begins at the next unknown.
-  void advance() {
-    double* column = first() + 1;
-    for (Index c = 0; c + 1 < bandwidth(); ++c, column += height_) {
-      std::copy_n(column + height_, equations_.count, column);
-    }
-    std::fill_n(column, equations_.count, 0.0);
+  // Calls copy(place in the copies, element) for all equations, whose `first` begins at unknown v.
+  template <class Copy>
+  void copy_equations(Copy copy, Index v) {
+    const auto part = [&](TnLaDblMat& M, Index n_cols, auto column_of) {
+      for (Index c = 0; c < n_cols; ++c) {
+        double* const column = TnLaAccess::elements(M) + c * static_cast<Index>(M.n_rows());
+        for (Index e = 0; e < equations_.count; ++e) copy(copies_[e * stride_ + column_of(c)], column[e]);
+      }
+    };
+    part(equations_.first, bandwidth(), [&](Index c) { return (v + c) % bandwidth(); });
+    part(equations_.last, bandwidth(), [&](Index c) { return bandwidth() + c; });
+    part(equations_.rhs, n_rhs(), [&](Index k) { return 2 * bandwidth() + k; });
   }
 
-  // Row v of the triangle becomes the pivot row.
-  void copy_in(Index v) {
-    const bool given = v < triangle_.n_rows();
-    const double* const g = TnLaAccess::elements(triangle_.G()) + v;
+  // The unknowns begin ... end-1.
+  void eliminate(Index begin, Index end) {
+    const tnla_kernels::BandKernels& band = tnla_kernels::best.band;
+    double* const g = TnLaAccess::elements(triangle_.G()) + begin;
     const auto ldg = static_cast<Index>(triangle_.G().n_rows());
-    for (Index c = 0; c < bandwidth(); ++c) {
-      first()[c * height_] = given ? g[c * ldg] : 0.0;
-      last()[c * height_] = 0.0;
+    const Index n_given = std::clamp(triangle_.n_rows() - begin, Index{0}, end - begin);
+    band.gather(n_given, 0, bandwidth(), n_rhs(), g, ldg, rows_, row_stride_);
+    std::fill(rows_ + n_given * row_stride_, rows_ + (end - begin) * row_stride_, 0.0);
+    for (Index v = begin; v < end; ++v) {
+      double* const row = rows_ + (v - begin) * row_stride_;
+      const Index column = v % bandwidth();
+      copy_in(row, column);
+      band.eliminate(column, equations_.count, pivot_row_, copies_, stride_, u_);
+      copy_out(row, column, coupling(v));
     }
-    for (Index k = 0; k < n_rhs(); ++k) rhs()[k * height_] = given ? g[(bandwidth() + k) * ldg] : 0.0;
+    band.scatter(end - begin, bandwidth() + n_rhs(), 0, rows_, row_stride_, g, ldg);
   }
 
-  void eliminate() {
-    TnLaColumnReflection reflection(first(), equations_.count);
-    reflection.apply(first() + height_, height_, bandwidth() - 1);
-    reflection.apply(last(), height_, bandwidth());
-    reflection.apply(rhs(), height_, n_rhs());
-    reflection.finish();
+  // A row of the triangle, whose first unknown stands in `column`, becomes the pivot row.
+  void copy_in(const double* row, Index column) {
+    std::copy_n(row, bandwidth() - column, pivot_row_ + column);
+    std::copy_n(row + bandwidth() - column, column, pivot_row_);
+    std::fill_n(pivot_row_ + bandwidth(), bandwidth(), 0.0);
+    std::copy_n(row + bandwidth(), n_rhs(), pivot_row_ + 2 * bandwidth());
   }
 
-  void copy_out(Index v) {
-    double* const g = TnLaAccess::elements(triangle_.G()) + v;
-    const auto ldg = static_cast<Index>(triangle_.G().n_rows());
-    double* const t = TnLaAccess::elements(coupling_) + v;
-    for (Index c = 0; c < bandwidth(); ++c) {
-      g[c * ldg] = first()[c * height_];
-      t[c * n_eliminated_] = last()[c * height_];
-    }
-    for (Index k = 0; k < n_rhs(); ++k) g[(bandwidth() + k) * ldg] = rhs()[k * height_];
+  void copy_out(double* row, Index column, double* coupling_row) const {
+    std::copy_n(pivot_row_ + column, bandwidth() - column, row);
+    std::copy_n(pivot_row_, column, row + bandwidth() - column);
+    std::copy_n(pivot_row_ + bandwidth(), bandwidth(), coupling_row);
+    std::copy_n(pivot_row_ + 2 * bandwidth(), n_rhs(), row + bandwidth());
   }
 
   // The rest of the triangle, a zero row for the pivot row, the exceptional equations.
@@ -161,7 +178,7 @@ class Elimination {
     const Index pivot_row = n - n_eliminated_;
     FullSystem system(pivot_row + 1 + equations_.count, n_eliminated_, n, n_rhs());
     system.put(triangle_);
-    for (Index e = 1; e <= equations_.count; ++e) system.put(pivot_row + e, equations_, e, triangle_);
+    for (Index e = 0; e < equations_.count; ++e) system.put(pivot_row + 1 + e, equations_, e, triangle_);
 
     const TnLaTQRDecompo<TnLaDblMat> decomposition(system.A);
     TnLaDblMat rest;
@@ -175,30 +192,17 @@ class Elimination {
     return true;
   }
 
-  bool back_substitute(TnLaDblMat& x) const {
-    const TnLaDblMat& G = triangle_.G();
-    const Index n = triangle_.n();
-    const auto ld = static_cast<Index>(G.n_rows());
-    for (Index v = n_eliminated_ - 1; v >= 0; --v) {
-      const double* const row = TnLaAccess::elements(G) + v;
-      const double* const coupled_row = TnLaAccess::elements(coupling_) + v;
-      for (Index k = 0; k < n_rhs(); ++k) {
-        if (std::fabs(row[0]) < kSmallestBandDiagonal) return false;
-        double* const column = TnLaAccess::elements(x) + k * n;
-        const double in_band = tnla_kernels::dot(bandwidth() - 1, column + v + 1, row + ld, ld);
-        const double coupled =
-            tnla_kernels::dot(bandwidth(), column + n - bandwidth(), coupled_row, n_eliminated_);
-        column[v] = (row[(bandwidth() + k) * ld] - in_band - coupled) / row[0];
-      }
-    }
-    return true;
-  }
-
   TnLaBand& triangle_;
   TnLaExceptional& equations_;
   Index n_eliminated_;
-  TnLaDblMat coupling_;
-  Index height_;  // rows of `first`, `last` and `rhs`, the pivot row among them
+  TnLaDblMat coupling_;  // column v is the row of unknown v
+  Index stride_;
+  Index row_stride_;
+  TnLaScratch<double, 1024> scratch_;
+  double* pivot_row_;
+  double* copies_;
+  double* u_;
+  double* rows_;  // of the triangle
 };
 
 }  // namespace

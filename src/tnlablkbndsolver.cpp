@@ -53,7 +53,7 @@ bool TnLaBlkBndSolver::solve(TnLaDblMat& x) const {
   if (G.n_rows() < n || G.n_cols() != bandwidth + n_rhs) G.resize(n + most, bandwidth + n_rhs, false);
   WorkMatrix work(G);
 
-  TnLaBand triangle(G, unknowns_, bandwidth_);
+  TnLaBand triangle(G, unknowns_, bandwidth_, most);
   for (int block = 0; block < blocks_; ++block) {
     int count = 0;
     int first_unknown = 0;

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "band.h"
 #include "cholesky.h"
 #include "elementwise.h"
 #include "jacobi.h"
@@ -24,6 +25,7 @@ struct KernelSet {
   TriangularKernels triangular;
   CholeskyKernels cholesky;
   JacobiKernels jacobi;
+  BandKernels band;
 };
 
 struct KernelSetChoice {

@@ -12,6 +12,7 @@ RankRevealingKernels rank_revealing_kernels();
 TriangularKernels triangular_kernels();
 CholeskyKernels cholesky_kernels();
 JacobiKernels jacobi_kernels();
+BandKernels band_kernels();
 
 KernelSet kernel_set() {
   return {
@@ -23,6 +24,7 @@ KernelSet kernel_set() {
       .triangular = triangular_kernels(),
       .cholesky = cholesky_kernels(),
       .jacobi = jacobi_kernels(),
+      .band = band_kernels(),
   };
 }
 

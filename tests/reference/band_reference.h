@@ -59,16 +59,20 @@ class Band {
 
   // False where the solve fails; x then holds what has been written.
   bool solve(Matrix& x) {
-    for (const BandBlock& block : p.blocks) {
-      deliver(block);
-      accumulate(static_cast<int>(block.rows.m), block.first_unknown);
-    }
+    for (const BandBlock& block : p.blocks) fold(block);
     if (!p.exceptional || p.n_exceptional() < 1) return back_substitute_band(x);
     return N < 3 * NB ? solve_dense(x) : solve_structured(x);
   }
 
-  // The work matrix as it is now.
+  // One block of a solve.
+  void fold(const BandBlock& block) {
+    deliver(block);
+    accumulate(static_cast<int>(block.rows.m), block.first_unknown);
+  }
+
+  // The work matrix as it is now; it may be changed between two blocks.
   const Matrix& G() const { return work; }
+  Matrix& G() { return work; }
 
   // The files whose checks have reported an element that does not exist, because the band, or a strip of
   // the exceptional equations, reaches beyond the unknowns.
