@@ -11,8 +11,8 @@ function(tnla_kernel_set set lanes)
 endfunction()
 
 set(TNLA_SET_SOURCES
-    src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp src/kernels/matrix_vector.cpp src/kernels/product.cpp src/kernels/product_direct.cpp
-    src/kernels/product_packed.cpp
+    src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp src/kernels/matrix_vector.cpp
+    src/kernels/product.cpp src/kernels/product_direct.cpp src/kernels/product_packed.cpp
     src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/triangular.cpp)
 
 # What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
