@@ -278,7 +278,8 @@ TNLA_API TnLaDblVec operator*(const double& s, const TnLaDblVec& x);
 TNLA_API void tnla_mat_mat_prod(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& C);
 
 // The same on raw column-major blocks: A is m x k, B is k x n, C is m x n, each without a gap between its
-// columns.  C must overlap neither A nor B.  Nothing is checked; 2 m k n flops, no allocation.
+// columns.  C must overlap neither A nor B.  Nothing is checked; 2 m k n flops, no allocation,
+// and at most 72 KiB of stack.
 TNLA_API void tnla_mat_mat_prod(std::size_t m, std::size_t k, std::size_t n, const double* A,
                                 const double* B, double* C);
 

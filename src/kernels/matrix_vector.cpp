@@ -5,9 +5,9 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
-// Columns that one pass over y takes in.  bench/matrix_vector, 64 ... 2000 rows and columns, on Zen 5: six
-// are the best compromise; eight are 10% faster at 64 and 2000, but in an eight-way cache the columns of a
-// matrix of 512 rows, which all begin at the same place of a page, then drive each other out.
+// Columns that one pass over y takes in.  bench/matrix_vector on Zen 5: eight are 10% faster at 64 and 5%
+// at 2000, and 5% slower at 512, where all columns begin at the same place of a page and compete for the
+// same lines of a cache.
 constexpr Index kPassCols = 6;
 
 // So many rows stay in registers.

@@ -11,7 +11,8 @@ struct Steps {
 };
 
 // Matrix products.  Every element of a result is one sum, from +0.0, with l ascending; nothing else about
-// the order of the loops shows.  The result must overlap no operand.
+// the order of the loops shows.  The result must overlap no operand.  Nothing is allocated; a large product
+// packs its operands into 70 KiB of stack.
 struct ProductKernels {
   // y = A x for a column-major m x n matrix A with the leading dimension m.
   void (*matrix_vector)(Index m, Index n, const double* a, const double* x, double* y);

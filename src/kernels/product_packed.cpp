@@ -5,9 +5,10 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
-// How much of A is packed at a time.  56 KiB of A and 6 KiB of B are what may lie on any thread's stack.
-// bench/product on Zen 5 (L1 48 KiB), n = 256 and 512: depth 64 to 256 with as many rows as fit differ by
-// 5%, deeper blocks with fewer rows lose where B has to be packed, since each block of rows packs it anew.
+// How much of A is packed at a time.  64 KiB of it, and 6 KiB of B, are what may lie on any thread's stack.
+// bench/product on Zen 5: a depth of 64, 128 and 256 with as many rows as then fit give 52, 54 and 54
+// Gflop/s at 256; but a B that has to be packed is packed again for every block of rows, which costs 6, 10
+// and 27%.
 constexpr Index kDepth = 128;
 constexpr Index kBlockRows = 64;
 static_assert(kBlockRows % kTileRows == 0);
