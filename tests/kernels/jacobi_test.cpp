@@ -189,12 +189,12 @@ TEST(JacobiKernels, KeepTheSignOfAZero) {
 }
 
 // Two rows that are coupled with none: what is between them stays if there are few sweeps, none of which
-// zeroes what is negligible.
+// zeroes what is negligible.  So the products of elements are about to underflow.
 TEST(JacobiKernels, LeaveAZeroBesideRotations) {
   Random random(13);
   for (std::size_t n = 8; n <= 40; n += 4) {
     for (const double zero : {0.0, -0.0}) {
-      Matrix A = random_nearly_diagonal(random, n, 1e-9);
+      Matrix A = random_nearly_diagonal(random, n, 1e-120);
       for (std::size_t j = n - 2; j < n; ++j) {
         for (std::size_t i = 0; i < j; ++i) A(i, j) = zero;
       }
