@@ -74,7 +74,7 @@ struct Wavefront::Step {
 
 Index Wavefront::scratch_size(Index n) {
   const Index ld = padded(n);
-  return 2 * n * (n / 2 + kRoom) + ld + 3 * (n + 1) * ld + 8 * (ld + kRoom) + n * kBlockRows;
+  return 2 * n * (n / 2 + kRoom) + ld + 3 * (n + 1) * ld + 7 * (ld + kRoom) + n * kBlockRows;
 }
 
 Wavefront::Wavefront(Index n, double* scratch) : n_(n), ld_(padded(n)), ld_skewed_(n / 2 + kRoom) {
@@ -94,7 +94,6 @@ Wavefront::Wavefront(Index n, double* scratch) : n_(n), ld_(padded(n)), ld_skewe
   step_s_ = take(ld_);
   step_tau_ = take(ld_);
   taken_ = take(ld_);
-  given_ = take(ld_);
   block_ = take(n * kBlockRows);
   skewed_ = take(2 * n * ld_skewed_ + ld_);
 }
@@ -180,18 +179,19 @@ void Wavefront::choose_angles(const Step& step, const SweepRule& rule) {
     store(step_s_ + p + 1, s);
     store(step_tau_ + p + 1, s / (1.0 + c));
     store(taken_ + p, select(rotates, h, Lanes{}));
-    store(given_ + p, select(rotates, h, -Lanes{}));
     store(pivot_ + p, select(rotates | zeroed, Lanes{}, element));
   }
 }
 
+// A pair that is not turned takes 0: that may lose the sign of a diagonal element -0.0, which nobody looks
+// at, and which the end of the sweep loses anyway.
 void Wavefront::record(const Step& step, double* z) {
   for (Index p = step.begin; p < step.end; ++p) {
     const Index q = step.sum - p;
     z[p] -= taken_[p];
-    z[q] += given_[p];
+    z[q] += taken_[p];
     d_[p] -= taken_[p];
-    d_[q] += given_[p];
+    d_[q] += taken_[p];
     s_[(q - p) * ld_ + p] = step_s_[p + 1];
     tau_[(q - p) * ld_ + p] = step_tau_[p + 1];
   }

@@ -50,8 +50,7 @@ class Wavefront {
   double* last_pivot_;
   double* step_s_;  // of the last step, at p + 1
   double* step_tau_;
-  double* taken_;  // what d(p) loses
-  double* given_;  // what d(q) gains: the same, but -0.0 where nothing is turned
+  double* taken_;  // what d(p) loses and d(q) gains
   double* block_;
 };
 

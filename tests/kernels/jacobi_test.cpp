@@ -188,6 +188,24 @@ TEST(JacobiKernels, KeepTheSignOfAZero) {
   }
 }
 
+// Two rows that are coupled with none: what is between them stays if there are few sweeps, none of which
+// zeroes what is negligible.  So the products of elements are about to underflow.
+TEST(JacobiKernels, LeaveAZeroBesideRotations) {
+  Random random(13);
+  for (std::size_t n = 8; n <= 40; n += 4) {
+    for (const double zero : {0.0, -0.0}) {
+      Matrix A = random_nearly_diagonal(random, n, 1e-120);
+      for (std::size_t j = n - 2; j < n; ++j) {
+        for (std::size_t i = 0; i < j; ++i) A(i, j) = zero;
+      }
+      const Jacobi expected(A, kUnsorted);
+      ASSERT_LE(expected.n_sweeps, 4);
+      EXPECT_SAME(expected.a(n - 2, n - 1), zero);
+      expect_diagonalizes_in_every_set(A);
+    }
+  }
+}
+
 TEST(JacobiKernels, DiagonalizeAnyMatrix) {
   Random random(10);
   for (std::size_t n = 1; n <= 30; ++n) {
