@@ -175,8 +175,12 @@ double tnla_scalprod(int n, const double* x, const double* y, bool unit_x, bool 
 
 void tnla_lincomb(int n, const double* x, double a, const double* y, double b, double* res, bool unit_x,
                   bool unit_y, bool unit_res) {
-  const TwoSquares q = squares(n, x, unit_x, y, unit_y);
-  tnla_kernels::best.elementwise.combine(n, x, unit_coefficient(a, q.x), y, unit_coefficient(b, q.y), res);
+  if (unit_x || unit_y) {
+    const TwoSquares q = squares(n, x, unit_x, y, unit_y);
+    a = unit_coefficient(a, q.x);
+    b = unit_coefficient(b, q.y);
+  }
+  tnla_kernels::best.elementwise.combine(n, x, a, y, b, res);
   if (unit_res) tnla_normalize(n, res);
 }
 
