@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <cmath>
 
 #include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnla_instances.h"
+#include "tnla_qr.h"
 #include "tnla_reflections.h"
 #include "tnlaqrdecompo_i.h"
 
@@ -13,10 +13,6 @@ namespace {
 
 constexpr char kFile[] = "src/tnlaqrdecompo.cpp";
 
-constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this: not of full rank
-constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
-constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
-
 // A = Q R, column by column: R replaces A, the reflections go to the list.
 void triangularize(double* a, std::size_t m, std::size_t n, TnArray<TnLaHouseholder*>& reflections) {
   for (std::size_t j = 0; j < n && j + 1 < m; ++j) {
@@ -25,19 +21,6 @@ void triangularize(double* a, std::size_t m, std::size_t n, TnArray<TnLaHousehol
     tnla_reflect_and_keep(reflections, pivot, pivot + 1, static_cast<int>(m), column, 1, column + m,
                           static_cast<Index>(m), n - j - 1);
   }
-}
-
-// The comparisons are written so that a NaN replaces the running value, and passes the tests.
-bool has_full_rank(const double* r, std::size_t m, std::size_t n) {
-  double smallest = kNoMinimumYet;
-  double largest = 0.0;
-  for (std::size_t i = 0; i < std::min(m, n); ++i) {
-    const double entry = std::fabs(r[i * m + i]);
-    if (!(entry > smallest)) smallest = entry;
-    if (!(largest > entry)) largest = entry;
-  }
-  if (kSmallestDiagonal > smallest) return false;
-  return !(largest / smallest > kLargestSpread);
 }
 
 }  // namespace
@@ -51,7 +34,7 @@ TnLaTQRDecompo<M>::TnLaTQRDecompo(const M& A) : TnLaTQRDecompo() {
   R_ = new M(A);
   double* const r = TnLaAccess::elements(*R_);
   triangularize(r, R_->n_rows(), R_->n_cols(), trafos_);
-  full_rank_ = has_full_rank(r, R_->n_rows(), R_->n_cols());
+  full_rank_ = tnla_has_full_rank(r, R_->n_rows(), std::min(R_->n_rows(), R_->n_cols()));
 }
 
 template <class M>
