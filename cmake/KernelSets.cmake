@@ -12,7 +12,12 @@ endfunction()
 
 set(TNLA_SET_SOURCES
     src/kernels/cholesky.cpp src/kernels/elementwise.cpp src/kernels/jacobi.cpp src/kernels/product.cpp
-    src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/triangular.cpp)
+    src/kernels/reflection.cpp src/kernels/set.cpp src/kernels/small_qr.cpp src/kernels/triangular.cpp)
+
+# This one lays out its vectors by itself.  What a compiler adds goes through memory, and it costs: 1.25 of the
+# time at order 6.  And no one looks at errno after a root.
+set_source_files_properties(src/kernels/small_qr.cpp PROPERTIES
+    COMPILE_OPTIONS "-fno-tree-vectorize;-fno-tree-slp-vectorize;-fno-math-errno")
 
 # What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
 tnla_kernel_set(portable 2)

@@ -7,6 +7,7 @@
 #include "jacobi.h"
 #include "product.h"
 #include "reflection.h"
+#include "small_qr.h"
 #include "triangular.h"
 
 // The kernels that exist once for every instruction set, from the same source.  All sets give the same
@@ -20,6 +21,7 @@ struct KernelSet {
   TriangularKernels triangular;
   CholeskyKernels cholesky;
   JacobiKernels jacobi;
+  SmallQrKernels small_qr;
 };
 
 struct KernelSetChoice {

@@ -10,10 +10,11 @@ ReflectionKernels reflection_kernels();
 TriangularKernels triangular_kernels();
 CholeskyKernels cholesky_kernels();
 JacobiKernels jacobi_kernels();
+SmallQrKernels small_qr_kernels();
 
 KernelSet kernel_set() {
-  return {elementwise_kernels(), product_kernels(),  reflection_kernels(),
-          triangular_kernels(),  cholesky_kernels(), jacobi_kernels()};
+  return {elementwise_kernels(), product_kernels(), reflection_kernels(), triangular_kernels(),
+          cholesky_kernels(),    jacobi_kernels(),  small_qr_kernels()};
 }
 
 }  // namespace tnla_kernels::TNLA_SET
