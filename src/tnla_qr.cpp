@@ -1,17 +1,13 @@
 #include "tnla_qr.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "kernels/full_rank.h"
 #include "kernels/kernel_set.h"
 
 using tnla_kernels::Index;
 
 namespace {
-
-constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this: not of full rank
-constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
-constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
 
 // A = Q R for the first n columns of the m x n_total matrix, and Q' of the others.
 void triangularize(std::size_t m, std::size_t n, std::size_t n_total, double* a) {
@@ -29,17 +25,10 @@ void triangularize(std::size_t m, std::size_t n, std::size_t n_total, double* a)
 
 }  // namespace
 
-// The comparisons are written so that a NaN replaces the running value, and passes the tests.
 bool tnla_has_full_rank(const double* r, std::size_t ldr, std::size_t d) {
-  double smallest = kNoMinimumYet;
-  double largest = 0.0;
-  for (std::size_t i = 0; i < d; ++i) {
-    const double entry = std::fabs(r[i * (ldr + 1)]);
-    if (!(entry > smallest)) smallest = entry;
-    if (!(largest > entry)) largest = entry;
-  }
-  if (kSmallestDiagonal > smallest) return false;
-  return !(largest / smallest > kLargestSpread);
+  tnla_kernels::FullRank rank;
+  for (std::size_t i = 0; i < d; ++i) rank.take(r[i * (ldr + 1)]);
+  return rank.verdict();
 }
 
 TnLaQrSystem::TnLaQrSystem(std::size_t m, std::size_t n, const double* a, std::size_t p, const double* b,
