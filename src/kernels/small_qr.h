@@ -14,8 +14,8 @@ struct SmallQrKernels {
                          double* diagonal);
 
   // solve[n - 1](n, ...) for a column-major A of order n without gaps, and p >= 0 right sides with the
-  // leading dimension ldb >= n.  x is n x p without gaps; it may be a if p <= n, and b if ldb == n.  Where p
-  // is 0, neither b nor x is looked at.
+  // leading dimension ldb >= n.  x is n x p without gaps; it may be a if p <= n, and b if ldb == n.  Where
+  // p is 0, neither b nor x is looked at.
   //
   //     A = Q R            one reflection for each of the columns 0 ... n-2, as ReflectionKernels states
   //                        it: make and reflection_scale of the column, reflect of the columns behind it
