@@ -102,8 +102,10 @@ TEST(SmallQr, TakesSpecialValues) {
       const std::size_t p = random.below(2 * n + 2);
       expect_solve(set, any_matrix(random, n, n), any_matrix(random, n, p));
       expect_solve(set, random_matrix(random, n, n), any_matrix(random, n, p));
-      expect_solve(set, sparse(random, any_matrix(random, n, n)), sparse(random, random_matrix(random, n, p)));
-      expect_solve(set, sparse(random, random_matrix(random, n, n)), sparse(random, any_matrix(random, n, p)));
+      expect_solve(set, sparse(random, any_matrix(random, n, n)),
+                   sparse(random, random_matrix(random, n, p)));
+      expect_solve(set, sparse(random, random_matrix(random, n, n)),
+                   sparse(random, any_matrix(random, n, p)));
     }
   });
 }
@@ -129,8 +131,8 @@ TEST(SmallQr, TakesASpecialValueAnywhere) {
   });
 }
 
-// The pivot column stays what it is where it is tiny, and is reduced without a reflection of the others where
-// the product of s and up is.
+// The pivot column stays what it is where it is tiny, and is reduced without a reflection of the others
+// where the product of s and up is.
 TEST(SmallQr, TakesTinyColumns) {
   for_every_order([](const KernelSet& set, std::size_t n) {
     Random random(n);
