@@ -19,13 +19,18 @@ set(TNLA_SET_SOURCES
     src/kernels/matrix_vector.cpp src/kernels/product.cpp src/kernels/product_direct.cpp
     src/kernels/product_packed.cpp src/kernels/qr.cpp src/kernels/rank_revealing.cpp
     src/kernels/rank_revealing_solve.cpp src/kernels/reflection.cpp src/kernels/reflection_chain.cpp
-    src/kernels/set.cpp src/kernels/triangular.cpp)
+    src/kernels/set.cpp src/kernels/small_qr.cpp src/kernels/triangular.cpp)
 
 # GCC would keep a second copy of their loops for vectors whose entries are 1 apart: 10 KB, and not faster.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   set_source_files_properties(src/kernels/qr.cpp src/kernels/reflection.cpp src/kernels/triangular.cpp
     PROPERTIES COMPILE_OPTIONS -fno-version-loops-for-strides)
 endif()
+
+# This one lays out its vectors by itself.  What a compiler adds goes through memory, and it costs: 1.25 of the
+# time at order 6.
+set_source_files_properties(src/kernels/small_qr.cpp PROPERTIES
+  COMPILE_OPTIONS "-fno-tree-vectorize;-fno-tree-slp-vectorize")
 
 # What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
 tnla_kernel_set(portable 2)

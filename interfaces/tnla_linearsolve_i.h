@@ -15,6 +15,8 @@
 //  (2) A false result or a rank below n is an answer, not an error.
 //  (3) std::bad_alloc loses no memory.  X is then as it was, resized or solved (A with it, if X is A), and
 //      *rank and *null_space may have been written.
+//  (4) The default solve of a square system of order 12 or less works on the stack: it allocates the block
+//      of a dense X that is empty, and nothing if X has its shape already.
 
 // M*, but not deduced from, so that nullptr can be passed as it stands.
 template <class M>

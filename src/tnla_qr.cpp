@@ -1,8 +1,6 @@
 #include "tnla_qr.h"
 
-#include <algorithm>
-#include <cmath>
-
+#include "kernels/full_rank.h"
 #include "kernels/kernel_set.h"
 
 using tnla_kernels::Index;
@@ -10,27 +8,16 @@ using tnla_kernels::QrColumns;
 
 namespace {
 
-constexpr double kSmallestDiagonal = 1e-20;  // a diagonal entry of R below this: not of full rank
-constexpr double kLargestSpread = 1e10;      // largest over smallest entry above this: neither
-constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
-
 // The distance of two columns of m rows: an odd number of cache lines, so that the entries of a row do not
 // compete for the same places in the cache.
 std::size_t leading_dimension(std::size_t m) { return 8 * ((m + 7) / 8 | 1); }
 
 }  // namespace
 
-// The comparisons are written so that a NaN replaces the running value, and passes the tests.
 bool tnla_has_full_rank(const double* r, std::size_t ldr, std::size_t d) {
-  double smallest = kNoMinimumYet;
-  double largest = 0.0;
-  for (std::size_t i = 0; i < d; ++i) {
-    const double entry = std::fabs(r[i * (ldr + 1)]);
-    if (!(entry > smallest)) smallest = entry;
-    if (!(largest > entry)) largest = entry;
-  }
-  if (kSmallestDiagonal > smallest) return false;
-  return !(largest / smallest > kLargestSpread);
+  tnla_kernels::FullRank rank;
+  for (std::size_t i = 0; i < d; ++i) rank.take(r[i * (ldr + 1)]);
+  return rank.verdict();
 }
 
 TnLaQrSystem::TnLaQrSystem(std::size_t m, std::size_t n, const double* a, std::size_t p, const double* b,

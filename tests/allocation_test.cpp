@@ -27,6 +27,18 @@ using Qr = TnLaTQRDecompo<TnLaDblMat>;
 constexpr int kMaxInt = std::numeric_limits<int>::max();
 constexpr Index kMax = std::numeric_limits<Index>::max();
 
+TnLaDblMat solution(const TnLaDblMat& A, const TnLaDblMat& B) {
+  TnLaDblMat X;
+  tnla_linearsolve(A, B, X);
+  return X;
+}
+
+TnLaDblMat inverse(const TnLaDblMat& A) {
+  TnLaDblMat result;
+  tnla_inverse(A, result);
+  return result;
+}
+
 // --- The operations ------------------------------------------------------------------------------------
 // {name, operation, the number of its allocations where that is promised}
 
@@ -244,6 +256,13 @@ const Dense kSolvers[] = {
     {"solve, more columns of rank 1", [](W& w) { w.keep(tnla_linearsolve(w.flat_wide, w.A, w.M, &w.Z)); }},
     {"solve by the template", [](W& w) { w.keep(tnla_linearsolve<TnLaDblMat>(w.wide, w.A, w.M, &w.Z)); }},
     {"solve in place", [](W& w) { w.keep(tnla_linearsolve(w.M, w.wide, w.M)); }},
+    {"solve into an empty matrix", [](W& w) { w.keep(solution(w.A, w.B)); }, 1},
+    {"solve for two right sides", [](W& w) { w.keep(solution(w.A, w.pair)); }, 1},
+    {"solve of order 7", [](W& w) { w.keep(solution(w.big, w.big)); }, 1},
+    {"solve of order 13", [](W& w) { w.keep(solution(w.large, w.large)); }, 2},  // and what it works on
+    {"solve of deficient rank", [](W& w) { w.keep(solution(w.flat, w.flat)); }, 1},
+    {"solve into a matrix that fits", [](W& w) { w.keep(tnla_linearsolve(w.A, w.B, w.M)); }, 0},
+    {"solve of an empty matrix", [](W& w) { w.keep(solution(w.none, w.none)); }, 0},
     {"solve by rank", [](W& w) { tnla_linearsolve(w.big, w.tall, w.M, 1e-9, &w.rank, &w.Z); }},
     {"solve by rank, tall", [](W& w) { tnla_linearsolve(w.tall, w.big, w.M, 1e-9, &w.rank, &w.Z); }},
     {"solve by rank, wide", [](W& w) { tnla_linearsolve(w.wide, w.A, w.M, 1e-9, &w.rank, &w.Z); }},
@@ -253,17 +272,18 @@ const Dense kSolvers[] = {
     {"solve by rank in place", [](W& w) { tnla_linearsolve(w.M, w.wide, w.M, 1e-9, &w.rank, &w.Z); }},
 
     {"inverse", [](W& w) { w.keep(tnla_inverse(w.big, w.M)); }},
+    {"inverse into an empty matrix", [](W& w) { w.keep(inverse(w.big)); }, 1},
     {"inverse of a wide matrix", [](W& w) { w.keep(tnla_inverse(w.wide, w.M)); }},
     {"inverse by rank", [](W& w) { tnla_inverse(w.big, w.M, 1e-9, &w.rank); }},
     {"inverse by rank of rank 1", [](W& w) { tnla_inverse(w.flat, w.M, 1e-9, &w.rank); }},
-    {"invert", [](W& w) { w.M.invert(); }},
+    {"invert", [](W& w) { w.M.invert(); }, 0},
     {"invert a matrix of rank 1", [](W& w) { w.M.initialize(0.5), w.M.invert(); }},
     {"invert a matrix that is not square", [](W& w) { w.M.remove_rows(0, 1), w.M.invert(); }},
-    {"inverted", [](W& w) { w.keep(w.big.inv()); }},
+    {"inverted", [](W& w) { w.keep(w.big.inv()); }, 1},
     {"inverted of rank 1", [](W& w) { w.keep(w.flat.inv()); }},
     {"inverted of a wide matrix", [](W& w) { w.keep(w.wide.inv()); }},
-    {"determinant", [](W& w) { w.keep(w.big.det()); }},
-    {"determinant 0", [](W& w) { w.keep(w.flat.det()); }},
+    {"determinant", [](W& w) { w.keep(w.big.det()); }, 0},
+    {"determinant 0", [](W& w) { w.keep(w.flat.det()); }, 0},
     {"determinant without a decomposition",
      [](W& w) { w.keep(w.single.det()), w.keep(w.wide.det()), w.keep(w.none.det()); }, 0},
 };
@@ -398,8 +418,9 @@ const std::vector<Small<N>>& small_operations() {
          w.keep(qr.R()), w.keep(qr.n_trafo()), w.keep(qr.full_rank()), w.keep(qr.solve(w.B, w.X));
        }},
       {"QR of the zero matrix", [](S& w) { w.keep(TnLaTQRDecompo<M>(w.zero).solve(w.B, w.X)); }},
-      {"solve", [](S& w) { w.keep(tnla_linearsolve(w.A, w.B, w.X)); }},
-      {"solve in place", [](S& w) { w.keep(tnla_linearsolve(w.X, w.B, w.X)); }},
+      {"solve", [](S& w) { w.keep(tnla_linearsolve(w.A, w.B, w.X)); }, 0},
+      {"solve in place", [](S& w) { w.keep(tnla_linearsolve(w.X, w.B, w.X)); }, 0},
+      {"solve of the zero matrix", [](S& w) { w.keep(tnla_linearsolve(w.zero, w.B, w.X)); }, 0},
       {"solve by rank", [](S& w) { tnla_linearsolve(w.A, w.B, w.X, 1e-9, &w.rank, &w.Z); }},
       {"solve by rank, rank 1", [](S& w) { tnla_linearsolve(w.flat, w.B, w.X, 1e-9, &w.rank, &w.Z); }},
       {"solve by rank, rank 0", [](S& w) { tnla_linearsolve(w.zero, w.B, w.X, 1e-9, &w.rank, &w.Z); }},
@@ -476,7 +497,6 @@ TEST(Allocation, EditingWithoutACopyLeavesTheMatrixAsItWas) {
       {"coil up rows", [](W& w) { w.M.coilup_rows(2); }},
       {"assignment", [](W& w) { w.M = w.big; }},
       {"product", [](W& w) { w.M *= w.wide; }},
-      {"inversion", [](W& w) { w.M.invert(); }},
   };
   for (const Dense& operation : operations) {
     SCOPED_TRACE(operation.name);
@@ -487,6 +507,25 @@ TEST(Allocation, EditingWithoutACopyLeavesTheMatrixAsItWas) {
       EXPECT_THROW(operation.run(world), std::bad_alloc);
     }
     EXPECT_TRUE(trial::Record().add(world.M).is(before));
+  }
+}
+
+// A small one needs no memory.
+TEST(Allocation, InversionLeavesALargerMatrixAsItWas) {
+  const DenseWorld world;
+  bool failed = true;
+  for (std::size_t k = 0; failed; ++k) {
+    TnLaDblMat matrix = world.large;
+    {
+      const allocation::Failing failing(k);
+      try {
+        matrix.invert();
+        failed = false;
+      } catch (const std::bad_alloc&) {
+        EXPECT_TRUE(trial::Record().add(matrix).is(trial::Record().add(world.large))) << k;
+      }
+    }
+    EXPECT_TRUE(failed || k > 0);
   }
 }
 

@@ -89,6 +89,68 @@ TEST(DefaultSolve, FollowsItsDefinitionForAllShapes) {
   expect_default_solves(random, random_matrix(random, 17, 40));
 }
 
+// Small orders are solved on the stack, larger ones are not; few right sides go with A, others follow.
+TEST(DefaultSolve, FollowsItsDefinitionForAllOrders) {
+  Random random(8);
+  for (std::size_t n = 1; n <= 15; ++n) {
+    for (const std::size_t p : {1u, 2u, 3u, 12u, 50u}) {
+      expect_default_solve(random_matrix(random, n, n), random_matrix(random, n, p));
+      expect_default_solve(any_matrix(random, n, n), any_matrix(random, n, p));
+      expect_default_solve(random_of_rank(random, n, n, n - n / 2), random_matrix(random, n, p));
+    }
+  }
+}
+
+TEST(DefaultSolve, XMayBeAOfAnyOrder) {
+  Random random(9);
+  for (std::size_t n = 1; n <= 15; ++n) {
+    for (const std::size_t p : {1u, 2u, 3u, 12u, 50u}) {
+      for (const Matrix& A : {random_matrix(random, n, n), Matrix(n, n), any_matrix(random, n, n)}) {
+        const Matrix B = random_matrix(random, n, p);
+        const Solution expected = solution(A, B, A);
+        TnLaDblMat X = dense(A);
+        EXPECT_EQ(tnla_linearsolve(X, dense(B), X), expected.full_rank);
+        EXPECT_SAME_MATRIX(X, expected.X);
+      }
+    }
+  }
+}
+
+TEST(DefaultSolve, BMayBeA) {
+  Random random(10);
+  for (std::size_t n = 1; n <= 15; ++n) {
+    const Matrix A = random_matrix(random, n, n);
+    const TnLaDblMat matrix = dense(A);
+    TnLaDblMat X;
+    EXPECT_TRUE(tnla_linearsolve(matrix, matrix, X));
+    EXPECT_SAME_MATRIX(X, solution(A, A, {}).X);
+  }
+}
+
+// One assertion, and then the first rows of B, or nothing but the shape.
+TEST(DefaultSolve, OfAnyOrderAssertsTheRowsOfB) {
+  Random random(11);
+  for (std::size_t n = 1; n <= 15; ++n) {
+    const Matrix A = random_matrix(random, n, n);
+    const Matrix B = random_matrix(random, n + 2, 3);
+    expect_asserts({kQr}, [&] {
+      TnLaDblMat X = dense(something());
+      EXPECT_TRUE(tnla_linearsolve(dense(A), dense(B), X));
+      EXPECT_SAME_MATRIX(X, solution(A, resized(B, n, 3), something()).X);
+    });
+    expect_asserts({kQr}, [&] {
+      TnLaDblMat X = dense(something());
+      EXPECT_FALSE(tnla_linearsolve(dense(A), TnLaDblMat(n - 1, 3, 1.0), X));
+      EXPECT_SAME_MATRIX(X, resized(something(), n, 3));
+    });
+    expect_asserts({kQr}, [&] {  // no column is too short
+      TnLaDblMat X = dense(something());
+      EXPECT_TRUE(tnla_linearsolve(dense(A), TnLaDblMat(n - 1, 0, 1.0), X));
+      EXPECT_SAME_MATRIX(X, Matrix(n, 0));
+    });
+  }
+}
+
 // The columns of a square matrix are exchanged by one decomposition and not by the other, which shows in
 // the last digits.
 TEST(DefaultSolve, OfASquareSystemExchangesNoColumns) {
@@ -420,6 +482,17 @@ TEST(Inverse, FollowsItsDefinitionForAllShapes) {
         expect_inverse(A, 1e-10);
         expect_invert(A);
       }
+    }
+  }
+}
+
+TEST(Inverse, FollowsItsDefinitionForAllOrders) {
+  Random random(12);
+  for (std::size_t n = 9; n <= 15; ++n) {
+    for (const Matrix& A : {random_matrix(random, n, n), any_matrix(random, n, n), Matrix(n, n),
+                            random_of_rank(random, n, n, n / 2)}) {
+      expect_default_inverse(A);
+      expect_invert(A);
     }
   }
 }

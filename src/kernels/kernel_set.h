@@ -10,6 +10,7 @@
 #include "qr.h"
 #include "rank_revealing.h"
 #include "reflection.h"
+#include "small_qr.h"
 #include "triangular.h"
 
 // The kernels that exist once for every instruction set, from the same source.  All sets give the same
@@ -21,6 +22,7 @@ struct KernelSet {
   ProductKernels product;
   ReflectionKernels reflection;
   QrKernels qr;
+  SmallQrKernels small_qr;
   RankRevealingKernels rank_revealing;
   TriangularKernels triangular;
   CholeskyKernels cholesky;

@@ -8,6 +8,7 @@ ElementwiseKernels elementwise_kernels();
 ProductKernels product_kernels();
 ReflectionKernels reflection_kernels();
 QrKernels qr_kernels();
+SmallQrKernels small_qr_kernels();
 RankRevealingKernels rank_revealing_kernels();
 TriangularKernels triangular_kernels();
 CholeskyKernels cholesky_kernels();
@@ -20,6 +21,7 @@ KernelSet kernel_set() {
       .product = product_kernels(),
       .reflection = reflection_kernels(),
       .qr = qr_kernels(),
+      .small_qr = small_qr_kernels(),
       .rank_revealing = rank_revealing_kernels(),
       .triangular = triangular_kernels(),
       .cholesky = cholesky_kernels(),

@@ -80,7 +80,8 @@ inline bool is_sound(const TnLaDblMat& m) {
 struct DenseWorld {
   const TnLaDblMat A = random_matrix(3, 3, 1), B = random_matrix(3, 3, 2), big = random_matrix(7, 7, 3),
                    tall = random_matrix(7, 3, 4), wide = random_matrix(3, 7, 5), flat = rank_one(4, 4),
-                   flat_wide = rank_one(3, 7), single = random_matrix(1, 1, 6), none;
+                   flat_wide = rank_one(3, 7), single = random_matrix(1, 1, 6), none,
+                   pair = random_matrix(3, 2, 14), large = random_matrix(13, 13, 15);
   const TnLaDblVec x = random_vector(3, 7), y = random_vector(3, 8), lengthy = random_vector(40, 9), nil;
   const TnArray<double> numbers = filled_array(20, 0.25), few = filled_array(2, 0.75);
   const TnArray<int> indices = filled_array(20, 7);
