@@ -5,12 +5,15 @@ include(CheckCXXCompilerFlag)
 # tnla_kernel_set(<set> <lanes> [options...]): the object library kernels_<set>.
 #
 # Nobody asks a kernel for errno, and a square root that must not set it is one instruction, also of a vector:
-# bench/eigenvectors, 10 to 17% for n = 16 to 100.
+# bench/eigenvectors, 10 to 17% for n = 16 to 100.  GCC would keep a second copy of strided loops for vectors
+# whose entries are 1 apart, and split others at their ends: 25 KB, and not faster.
 function(tnla_kernel_set set lanes)
   add_library(kernels_${set} OBJECT ${TNLA_SET_SOURCES})
   tarn_compiles_as_we_do(kernels_${set})
   target_compile_definitions(kernels_${set} PRIVATE TNLA_SET=${set} TNLA_LANES=${lanes})
-  target_compile_options(kernels_${set} PRIVATE -fno-math-errno ${ARGN})
+  target_compile_options(kernels_${set} PRIVATE -fno-math-errno
+    "$<$<CXX_COMPILER_ID:GNU>:-fno-version-loops-for-strides;-fno-split-loops;-fno-unswitch-loops;-fno-peel-loops>"
+    ${ARGN})
 endfunction()
 
 set(TNLA_SET_SOURCES
@@ -20,12 +23,6 @@ set(TNLA_SET_SOURCES
     src/kernels/product_packed.cpp src/kernels/qr.cpp src/kernels/rank_revealing.cpp
     src/kernels/rank_revealing_solve.cpp src/kernels/reflection.cpp src/kernels/reflection_chain.cpp
     src/kernels/set.cpp src/kernels/small_qr.cpp src/kernels/triangular.cpp)
-
-# GCC would keep a second copy of their loops for vectors whose entries are 1 apart: 10 KB, and not faster.
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set_source_files_properties(src/kernels/qr.cpp src/kernels/reflection.cpp src/kernels/triangular.cpp
-    PROPERTIES COMPILE_OPTIONS -fno-version-loops-for-strides)
-endif()
 
 # This one lays out its vectors by itself.  What a compiler adds goes through memory, and it costs: 1.25 of the
 # time at order 6.
@@ -43,4 +40,6 @@ if(TNLA_WITH_AVX2 AND TNLA_COMPILES_AVX2)
   tnla_kernel_set(avx2 4 -mavx2)
   target_sources(kernels INTERFACE $<TARGET_OBJECTS:kernels_avx2>)
   target_compile_definitions(kernels INTERFACE TNLA_WITH_AVX2)
+  # Beside it the portable set serves the processors before 2013 alone, and size counts for more: 45 KB.
+  target_compile_options(kernels_portable PRIVATE $<$<CONFIG:Release>:-Os>)
 endif()

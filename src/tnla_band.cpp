@@ -47,7 +47,7 @@ TnLaBand::TnLaBand(TnLaDblMat& G, int n, int bandwidth, std::size_t most)
       n_rhs_(static_cast<Index>(G.n_cols()) - bandwidth),
       stride_(tnla_kernels::padded_band(bandwidth_ + n_rhs_)),
       n_copies_(std::min(bandwidth_ + static_cast<Index>(most), static_cast<Index>(G.n_rows()))),
-      scratch_(scratch_size(bandwidth_, n_rhs_, n_copies_)) {}
+      scratch_(scratch_size(bandwidth_, n_rhs_, n_copies_) * sizeof(double)) {}
 
 void TnLaBand::fold(Index count, Index first) {
   const Index height = n_rows_ + count - first;
@@ -68,7 +68,7 @@ bool TnLaBand::fold_copies(Index count, Index first) {
   const tnla_kernels::BandKernels& band = tnla_kernels::best.band;
   double* const g = TnLaAccess::elements(G_) + first;
   const auto ld = static_cast<Index>(G_.n_rows());
-  double* const copies = scratch_.data();
+  double* const copies = scratch_.doubles();
   band.gather(n_old, first - front_, bandwidth_, n_rhs_, g, ld, copies, stride_);
   band.gather(count, 0, bandwidth_, n_rhs_, g + n_old, ld, copies + n_old * stride_, stride_);
   if (!band.fold(n_old, height, bandwidth_, copies, stride_,
@@ -162,7 +162,7 @@ Index TnLaBand::substitute_together(Index n_rows, const double* coupling, TnLaDb
   const auto ld = static_cast<Index>(G_.n_rows());
   double* const to = TnLaAccess::elements(x);
   const Index x_stride = tnla_kernels::padded_band(n_rhs_);
-  double* const x_coupled = scratch_.data();
+  double* const x_coupled = scratch_.doubles();
   double* const copies = x_coupled + bandwidth_ * x_stride;
   double* const solved = copies + kRowsTogether * stride_ + x_stride;
   const Index n_coupled = coupling == nullptr ? 0 : bandwidth_;

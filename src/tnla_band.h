@@ -4,7 +4,7 @@
 
 #include "kernels/index.h"
 #include "tnla_matrix_vector_i.h"
-#include "tnla_scratch.h"
+#include "tnla_workspace.h"
 
 // The triangle into which the equations of a banded least-squares problem are folded, row by row of a work
 // matrix G.  A row of G holds the coefficients of `bandwidth` consecutive unknowns, then the right-hand
@@ -66,7 +66,7 @@ class TnLaBand {
   Index n_rows_ = 0;
   Index stride_;    // of the copies of rows
   Index n_copies_;  // there is room for
-  TnLaScratch<double, 1024> scratch_;
+  TnLaWorkspace scratch_;
 };
 
 // A diagonal element below it in magnitude ends a back substitution; a NaN does not.

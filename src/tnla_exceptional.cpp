@@ -5,7 +5,7 @@
 #include "kernels/kernel_set.h"
 #include "tnla_access.h"
 #include "tnla_linearsolve_i.h"
-#include "tnla_scratch.h"
+#include "tnla_workspace.h"
 #include "tnlaqrdecompo_i.h"
 
 using tnla_kernels::Index;
@@ -96,8 +96,9 @@ class Elimination {
         coupling_(zeros(triangle.bandwidth(), n_eliminated_)),
         stride_(tnla_kernels::padded_band(2 * triangle.bandwidth() + triangle.n_rhs())),
         row_stride_(tnla_kernels::padded_band(triangle.bandwidth() + triangle.n_rhs())),
-        scratch_(product(equations.count + 1, stride_ + 1) + product(kRowsTogether, row_stride_)),
-        pivot_row_(scratch_.data()),
+        scratch_((product(equations.count + 1, stride_ + 1) + product(kRowsTogether, row_stride_)) *
+                 sizeof(double)),
+        pivot_row_(scratch_.doubles()),
         copies_(pivot_row_ + stride_),
         u_(copies_ + equations.count * stride_),
         rows_(u_ + equations.count + 1) {
@@ -198,7 +199,7 @@ class Elimination {
   TnLaDblMat coupling_;  // column v is the row of unknown v
   Index stride_;
   Index row_stride_;
-  TnLaScratch<double, 1024> scratch_;
+  TnLaWorkspace scratch_;
   double* pivot_row_;
   double* copies_;
   double* u_;

@@ -22,29 +22,33 @@ bool tnla_has_full_rank(const double* r, std::size_t ldr, std::size_t d) {
 
 TnLaQrSystem::TnLaQrSystem(std::size_t m, std::size_t n, const double* a, std::size_t p, const double* b,
                            std::size_t ldb)
-    : n_(n), p_(p), ld_(leading_dimension(m)), scratch_(m, n + p, n), reduced_(new double[ld_ * (n + p)]) {
+    : n_(n),
+      p_(p),
+      ld_(leading_dimension(m)),
+      scratch_(m, n + p, n, ld_ * (n + p)),
+      reduced_(scratch_.more()) {
   const auto rows = static_cast<Index>(m);
   const QrColumns columns = {static_cast<Index>(n), a, rows,
                              static_cast<Index>(p), b, static_cast<Index>(ldb)};
-  tnla_kernels::best.qr.factor(rows, columns, reduced_.get(), static_cast<Index>(ld_),
-                               scratch_.reflections(), scratch_.slabs());
-  full_rank_ = tnla_has_full_rank(reduced_.get(), ld_, n);
+  tnla_kernels::best.qr.factor(rows, columns, reduced_, static_cast<Index>(ld_), scratch_.reflections(),
+                               scratch_.slabs());
+  full_rank_ = tnla_has_full_rank(reduced_, ld_, n);
 }
 
 void TnLaQrSystem::solve_into(double* x) {
   const auto n = static_cast<Index>(n_);
   const auto ld = static_cast<Index>(ld_);
-  tnla_kernels::best.qr.solve(n, 0, nullptr, n, reduced_.get(), ld, static_cast<Index>(p_),
-                              reduced_.get() + n_ * ld_, ld, x, n, scratch_.slabs());
+  tnla_kernels::best.qr.solve(n, 0, nullptr, n, reduced_, ld, static_cast<Index>(p_), reduced_ + n_ * ld_,
+                              ld, x, n, scratch_.slabs());
 }
 
 bool tnla_qr_diagonal(std::size_t n, const double* a, double* diagonal) {
   const std::size_t ld = leading_dimension(n);
-  const std::unique_ptr<double[]> r(new double[ld * n]);
-  TnLaQrScratch scratch(n, n, n);
+  TnLaQrScratch scratch(n, n, n, ld * n);
+  double* const r = scratch.more();
   const auto order = static_cast<Index>(n);
-  tnla_kernels::best.qr.factor(order, {order, a, order, 0, nullptr, 0}, r.get(), static_cast<Index>(ld),
+  tnla_kernels::best.qr.factor(order, {order, a, order, 0, nullptr, 0}, r, static_cast<Index>(ld),
                                scratch.reflections(), scratch.slabs());
   for (std::size_t i = 0; i < n; ++i) diagonal[i] = r[i * (ld + 1)];
-  return tnla_has_full_rank(r.get(), ld, n);
+  return tnla_has_full_rank(r, ld, n);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "tnla_reflections.h"
 
@@ -32,7 +31,7 @@ class TnLaQrSystem {
   std::size_t p_;
   std::size_t ld_;
   TnLaQrScratch scratch_;
-  std::unique_ptr<double[]> reduced_;  // R and Q' B, column by column
+  double* reduced_;  // R and Q' B, column by column
   bool full_rank_;
 };
 

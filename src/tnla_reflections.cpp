@@ -2,14 +2,6 @@
 
 #include "tnla_access.h"
 
-void tnla_reflect_and_keep(TnArray<TnLaHouseholder*>& list, int j_pivot, int j_zero, int n, double* v,
-                           int incr, double* w, tnla_kernels::Index stride, std::size_t n_vec) {
-  const std::size_t last = list.size();
-  list.set_size(last + 1, true);  // first: a reflection without a place would leak
-  list[last] = new TnLaHouseholder(j_pivot, j_zero, n, v, incr);
-  TnLaAccess::reflect(*list[last], w, incr, stride, n_vec);
-}
-
 void tnla_keep_reflections(TnArray<TnLaHouseholder*>& list, std::size_t m, std::size_t n_made,
                            const tnla_kernels::StoredReflection* made) {
   list.set_size(n_made, true);

@@ -1,21 +1,20 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 // Uninitialised memory for the length of a computation: inside the object if it is enough, which spares the
 // small problems an allocation, and otherwise one block on the heap.
 class TnLaWorkspace {
  public:
-  static constexpr std::size_t kInside =
-      4096;  // bytes: what the decomposition of order 12 and its solve take
+  static constexpr std::size_t kInside = 8192;  // bytes: enough up to order 16, and for a narrow band
 
-  explicit TnLaWorkspace(std::size_t size) {
-    if (size > kInside) heap_ = std::make_unique_for_overwrite<std::byte[]>(size);
-    next_ = heap_ ? heap_.get() : inside_;
-  }
+  explicit TnLaWorkspace(std::size_t size);  // in bytes
+  ~TnLaWorkspace();
   TnLaWorkspace(const TnLaWorkspace&) = delete;
   TnLaWorkspace& operator=(const TnLaWorkspace&) = delete;
+
+  // What is left of it, as doubles.
+  double* doubles() { return reinterpret_cast<double*>(next_); }
 
   // The next n elements, which have to fit.  Ask for those of the strictest alignment first.
   template <class T>
@@ -26,7 +25,7 @@ class TnLaWorkspace {
   }
 
  private:
-  std::unique_ptr<std::byte[]> heap_;
+  std::byte* heap_;  // null if the object is enough
   std::byte* next_;
   alignas(double) std::byte inside_[kInside];
 };

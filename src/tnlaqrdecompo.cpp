@@ -14,7 +14,8 @@ namespace {
 constexpr char kFile[] = "src/tnlaqrdecompo.cpp";
 
 // A = Q R: R replaces the m x n elements, and the reflections go to the list.
-void triangularize(std::size_t m, std::size_t n, double* a, TnArray<TnLaHouseholder*>& list) {
+[[gnu::noinline]] void triangularize(std::size_t m, std::size_t n, double* a,
+                                     TnArray<TnLaHouseholder*>& list) {
   const std::size_t n_reflections = std::min(m, n + 1) - 1;  // the last row has nothing below it
   TnLaQrScratch scratch(m, n, n_reflections);
   const auto rows = static_cast<Index>(m);
@@ -22,6 +23,20 @@ void triangularize(std::size_t m, std::size_t n, double* a, TnArray<TnLaHousehol
                                scratch.reflections(), scratch.slabs());
   tnla_keep_reflections(list, m, n_reflections, scratch.reflections());
   for (std::size_t j = 0; j < n_reflections; ++j) std::fill_n(a + j * m + j + 1, m - j - 1, 0.0);
+}
+
+// X = R^-1 Q' B for the m x n matrix with these reflections and this R.
+[[gnu::noinline]] void solve_by(const TnArray<TnLaHouseholder*>& list, std::size_t m, std::size_t n,
+                                const double* r, std::size_t p, const double* b, std::size_t ldb,
+                                double* x) {
+  const std::size_t n_reflections = list.size();
+  TnLaQrScratch scratch(m, p, n_reflections);
+  for (std::size_t j = 0; j < n_reflections; ++j) scratch.reflections()[j] = TnLaAccess::stored(*list[j]);
+  const auto rows = static_cast<Index>(m);
+  const auto order = static_cast<Index>(n);
+  tnla_kernels::best.qr.solve(rows, static_cast<Index>(n_reflections), scratch.reflections(), order, r,
+                              rows, static_cast<Index>(p), b, static_cast<Index>(ldb), x, order,
+                              scratch.slabs());
 }
 
 }  // namespace
@@ -72,19 +87,8 @@ bool TnLaTQRDecompo<M>::solve(const M& B, M& X) const {
   X.resize(n, B.n_cols(), true);
   const bool too_short = B.n_rows() < m && B.n_cols() > 0;
   if (m < n || !full_rank_ || too_short) return false;
-
-  const std::size_t p = B.n_cols();
-  const std::size_t n_reflections = trafos_.size();
-  TnLaQrScratch scratch(m, p, n_reflections);
-  for (std::size_t j = 0; j < n_reflections; ++j) {
-    scratch.reflections()[j] = TnLaAccess::stored(*trafos_[j]);
-  }
-  const auto rows = static_cast<Index>(m);
-  const auto order = static_cast<Index>(n);
-  tnla_kernels::best.qr.solve(rows, static_cast<Index>(n_reflections), scratch.reflections(), order,
-                              TnLaAccess::elements(*R_), rows, static_cast<Index>(p),
-                              TnLaAccess::elements(B), static_cast<Index>(B.n_rows()),
-                              TnLaAccess::elements(X), order, scratch.slabs());
+  solve_by(trafos_, m, n, TnLaAccess::elements(*R_), B.n_cols(), TnLaAccess::elements(B), B.n_rows(),
+           TnLaAccess::elements(X));
   return true;
 }
 

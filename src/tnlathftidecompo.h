@@ -21,31 +21,30 @@
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI).  Departures: the absolute
 // tolerance, and the reference value of the recompute test of the pivot choice (kernels/rank_revealing.h).
-template <class M>
-class TnLaTHFTIDecompo {
+//
+// On plain column-major elements, A m x n.
+class TnLaRankRevealing {
  public:
-  // tol: diagonal entries of R smaller in magnitude do not count towards the rank.
-  TnLaTHFTIDecompo(const M& A, double tol);
-  TnLaTHFTIDecompo(const TnLaTHFTIDecompo&) = delete;
-  TnLaTHFTIDecompo& operator=(const TnLaTHFTIDecompo&) = delete;
-
-  virtual ~TnLaTHFTIDecompo() = default;
-
-  int rank() const { return static_cast<int>(rank_); }
-
-  // X = the n x p solution of A X = B of minimal length; zero where the rank is 0.  Asserted: B has m
-  // rows.  X must not be B.
-  void solve(const M& B, M& X) const;
-
-  // Z = an orthonormal basis of the null space in n x (n - rank); 0 x 0 if there is none.  Only the ones
-  // from which the basis is made are written before it is turned: Z must hold zeros (or be empty).
-  void null_space(M& Z) const;
-
- private:
   using Index = tnla_kernels::Index;
 
-  Index pseudo_rank(double tol) const;
+  TnLaRankRevealing(Index m, Index n, const double* a, double tol);
+
+  Index m() const { return m_; }
+  Index n() const { return n_; }
+  Index rank() const { return rank_; }
+
+  // In bytes, of `scratch` for p right sides, and for n_free = n - rank columns of the basis.
+  std::size_t solve_scratch(Index p) const;
+  std::size_t basis_scratch(Index n_free) const;
+
+  // X, n x p, from B, m x p, both without gaps between the columns.
+  void solve(Index p, const double* b, double* x, double* scratch) const;
+
+  // Turns the unit vectors of the free unknowns, n x n_free, into the basis.
   void turn_back(Index n_cols, double* x, double* scratch) const;
+
+ private:
+  Index pseudo_rank(double tol) const;
 
   Index m_;
   Index n_;
@@ -56,4 +55,28 @@ class TnLaTHFTIDecompo {
   tnla_kernels::Reflections left_;   // Q: on columns, in the order of creation
   tnla_kernels::Reflections right_;  // K: number i on row i, created from the last to the first
   int* perm_;                        // perm_[j]: the column that step j brought to place j
+};
+
+// The same for the matrix types.
+template <class M>
+class TnLaTHFTIDecompo {
+ public:
+  // tol: diagonal entries of R smaller in magnitude do not count towards the rank.
+  TnLaTHFTIDecompo(const M& A, double tol);
+  TnLaTHFTIDecompo(const TnLaTHFTIDecompo&) = delete;
+  TnLaTHFTIDecompo& operator=(const TnLaTHFTIDecompo&) = delete;
+  virtual ~TnLaTHFTIDecompo() = default;
+
+  int rank() const { return static_cast<int>(decomposition_.rank()); }
+
+  // X = the n x p solution of A X = B of minimal length; zero where the rank is 0.  Asserted: B has m
+  // rows.  X must not be B.
+  void solve(const M& B, M& X) const;
+
+  // Z = an orthonormal basis of the null space in n x (n - rank); 0 x 0 if there is none.  Only the ones
+  // from which the basis is made are written before it is turned: Z must hold zeros (or be empty).
+  void null_space(M& Z) const;
+
+ private:
+  TnLaRankRevealing decomposition_;
 };

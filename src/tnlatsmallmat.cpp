@@ -1,13 +1,32 @@
 #include "kernels/reductions.h"
-#include "tnarraydebug.h"
 #include "tnla_debug.h"
 #include "tnla_small_loops.h"
 #include "tnla_util_i.h"
 #include "tnlatsmallmat_i.h"
 
 namespace {
+
 constexpr char kFile[] = "src/tnlatsmallmat.cpp";
+
+// What needs no speed is there once, for all sizes.
+
+[[gnu::noinline]] void swap_rows_of(double* elements, std::size_t n, std::size_t a, std::size_t b) {
+  if (a == b || a >= n || b >= n) return;
+  for (std::size_t j = 0; j < n; ++j) std::swap(elements[a + j * n], elements[b + j * n]);
 }
+
+[[gnu::noinline]] void swap_cols_of(double* elements, std::size_t n, std::size_t a, std::size_t b) {
+  if (a == b || a >= n || b >= n) return;
+  std::swap_ranges(elements + a * n, elements + (a + 1) * n, elements + b * n);
+}
+
+[[gnu::noinline]] void set_diagonal_of(double* elements, std::size_t n, double value, int offset) {
+  std::size_t i = offset < 0 ? static_cast<std::size_t>(-tnla_kernels::Index{offset}) : 0;
+  std::size_t j = offset > 0 ? static_cast<std::size_t>(offset) : 0;
+  for (; i < n && j < n; ++i, ++j) elements[i + j * n] = value;
+}
+
+}  // namespace
 
 template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T>::TnLaTSmallMat(std::size_t rows, std::size_t cols, double value)
@@ -83,21 +102,17 @@ typename TnLaTSmallMat<Rows, Cols, T>::Vec TnLaTSmallMat<Rows, Cols, T>::col_vec
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::set_diagonal(double value, int offset) {
-  std::size_t i = offset < 0 ? static_cast<std::size_t>(-tnla_kernels::Index{offset}) : 0;
-  std::size_t j = offset > 0 ? static_cast<std::size_t>(offset) : 0;
-  for (; i < Rows && j < Cols; ++i, ++j) elements_[i + j * Rows] = value;
+  set_diagonal_of(elements_, Rows, value, offset);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::swap_rows(std::size_t a, std::size_t b) {
-  if (a == b || a >= Rows || b >= Rows) return;
-  for (std::size_t j = 0; j < Cols; ++j) std::swap(elements_[a + j * Rows], elements_[b + j * Rows]);
+  swap_rows_of(elements_, Rows, a, b);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::swap_cols(std::size_t a, std::size_t b) {
-  if (a == b || a >= Cols || b >= Cols) return;
-  std::swap_ranges(elements_ + a * Rows, elements_ + (a + 1) * Rows, elements_ + b * Rows);
+  swap_cols_of(elements_, Rows, a, b);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
@@ -133,19 +148,12 @@ double TnLaTSmallMat<Rows, Cols, T>::mx_norm() const {
 
 template <std::size_t Rows, std::size_t Cols, class T>
 void TnLaTSmallMat<Rows, Cols, T>::debug(TnJournal& journal, int digits, bool flag, int indent) const {
-  const TnLaDebugLayout layout = tnla_debug_layout(digits, indent);
-  TN_ASSERT(kFile, layout.width != 0);
-  if (layout.width == 0) return;
-  tn_arraydebug(journal, flag, kPrinterReserved, static_cast<int>(Rows), array(), layout.per_line,
-                layout.width, digits, indent);
+  tnla_debug_small_matrix(journal, kFile, elements_, static_cast<int>(Rows), digits, flag, indent);
 }
 
 template <std::size_t Rows, std::size_t Cols, class T>
 TnArray<double> TnLaTSmallMat<Rows, Cols, T>::array() const {
-  TnArray<double> copy;
-  copy.set_size(size, false);
-  std::copy_n(elements_, size, copy.data());
-  return copy;
+  return tnla_debug_array(elements_, size);
 }
 
 template class TnLaTSmallMat<1, 1, double>;

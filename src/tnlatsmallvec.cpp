@@ -1,7 +1,6 @@
 #include <cmath>
 
 #include "kernels/reductions.h"
-#include "tnarraydebug.h"
 #include "tnla_debug.h"
 #include "tnla_small_loops.h"
 #include "tnla_util_i.h"
@@ -111,13 +110,7 @@ void TnLaTSmallVec<N, T>::resize(int n, bool /*keep*/) {
 
 template <int N, class T>
 void TnLaTSmallVec<N, T>::debug(TnJournal& journal, int digits, int indent) const {
-  const TnLaDebugLayout layout = tnla_debug_layout(digits, indent);
-  TN_ASSERT(kFile, layout.width != 0);
-  if (layout.width == 0) return;
-  TnArray<double> array;
-  array.set_size(N, false);
-  std::copy_n(elements_, N, array.data());
-  tn_arraydebug(journal, N, array, layout.per_line, layout.width, digits, indent);
+  tnla_debug_small_vector(journal, kFile, elements_, N, digits, indent);
 }
 
 template class TnLaTSmallVec<1, double>;

@@ -11,7 +11,7 @@ endfunction()
 # What an exported name may begin with, after the return type of a function template.
 set(tn "(vtable for |typeinfo for |typeinfo name for )?Tn|tn_|tnEndExpr|kit_assertion_handler")
 set(tnla "(vtable for |typeinfo for |typeinfo name for )?TnLa|(bool |void )?tnla_|operator\\*\\(double")
-set(hidden "TnLaTHFTIDecompo|TnLaAccess|TnLaDebugLayout|TnLaBand|TnLaExceptional|TnLaColumnReflection|tnla_kernels|tnla_solve_|tnla_element_or_null|tnla_sq_length|TnLaQrSystem|tnla_qr_|tnla_has_full_rank|::TnLaTQRDecompo\\(\\)|TnLaHouseholder\\(int, int, int, double const|TnLaCholesky::(factorize|substitute|solve_without_factor|init)")
+set(hidden "TnLaTHFTIDecompo|TnLaRankRevealing|TnLaWorkspace|TnLaScratch|TnLaQrScratch|TnLaAccess|TnLaDebugLayout|TnLaBand|TnLaExceptional|TnLaColumnReflection|tnla_kernels|tnla_solve_|tnla_element_or_null|tnla_sq_length|TnLaQrSystem|tnla_qr_|tnla_has_full_rank|::TnLaTQRDecompo\\(\\)|TnLaHouseholder\\(int, int, int, double const|TnLaCholesky::(factorize|substitute|solve_without_factor|init)")
 
 exported_names(${TN} tn_names)
 exported_names(${TNLA} tnla_names)

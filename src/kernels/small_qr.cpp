@@ -20,10 +20,10 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
-// Up to here the steps are unrolled, and the rows are in registers as far as these go.  For two right sides
-// that takes 0.88 of the time of the loops at order 6 and 0.87 at order 8, but still 0.94 at order 12, for
-// code that grows with the square of the order.
-inline constexpr Index kUnrolled = kLanes == 4 ? 8 : 6;
+// Up to here the steps are unrolled, and the rows are in registers as far as these go.  Beyond, that would
+// take 0.88 of the time of the loops at order 6 and 0.87 at order 8 (bench/small, two right sides), but 48
+// KB in the two sets: more than all other kernels of reflections together.
+inline constexpr Index kUnrolled = kLanes == 4 ? 4 : 3;
 
 // And up to here also with as many right sides as unknowns, which small matrices have: 35 instead of 88 ns
 // at order 3, compared with right sides that come after A.
