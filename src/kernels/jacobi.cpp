@@ -24,7 +24,7 @@ constexpr Index kSmallestDeferred = 12;
 constexpr double kLargestElement = 1e150;
 
 // Of n^2: from there on a sweep does them side by side, which costs the same however few they are.
-// bench/eigenvectors: 1/3 is 6% slower than 1/8 for a tridiagonal matrix; 1/5 to 1/32 are within 2%.
+// For a tridiagonal matrix 1/3 is 6% slower than 1/8; 1/5 to 1/32 are within 2%.
 constexpr Index kManyRotations = 8;
 
 bool is_deferred(Index n) { return n >= kSmallestDeferred; }

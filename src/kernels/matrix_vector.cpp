@@ -5,7 +5,7 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
-// Columns that one pass over y takes in.  bench/matrix_vector on Zen 5: eight are 10% faster at 64 and 5%
+// Columns that one pass over y takes in.  bench/matrix_vector, AVX2: eight are 10% faster at 64 and 5%
 // at 2000, and 5% slower at 512, where all columns begin at the same place of a page and compete for the
 // same lines of a cache.
 constexpr Index kPassCols = 6;

@@ -6,7 +6,7 @@ namespace tnla_kernels::TNLA_SET {
 namespace {
 
 // How much of A is packed at a time.  64 KiB of it, and 6 KiB of B, are what may lie on any thread's stack.
-// bench/product on Zen 5: a depth of 64, 128 and 256 with as many rows as then fit give 52, 54 and 54
+// bench/product, AVX2: a depth of 64, 128 and 256 with as many rows as then fit give 52, 54 and 54
 // Gflop/s at 256; but a B that has to be packed is packed again for every block of rows, which costs 6, 10
 // and 27%.
 constexpr Index kDepth = 128;
