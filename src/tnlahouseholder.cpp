@@ -94,8 +94,8 @@ TnLaHouseholder::~TnLaHouseholder() = default;
 void TnLaHouseholder::apply(double* w, int incr) const { TnLaAccess::reflect(*this, w, incr, 0, 1); }
 
 void TnLaHouseholder::debug(TnJournal& journal, int indent) const {
-  const TnString outer = tn_blankstring(indent);
   const TnString inner = tn_blankstring(indented(indent));
+  const TnString outer = tn_blankstring(indent);
   journal << outer << "Housholder transformation begin {\n\n";  // spelt so since its first release
   for (std::size_t i = 0; i < u_.size(); ++i) {
     journal << inner << u_[i];
