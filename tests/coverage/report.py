@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""What lines and branches of core/, interfaces/ and src/ the tests have run.
+"""What of core/, interfaces/ and src/ the tests have run, from builds that count it.
 
-report.py <build folder>    reads the counts of a build with GCC's --coverage, writes coverage.json for gcovr
-Fails unless all have been run, but for what exclusions.txt lists.  What is compiled more than once, such as a
-kernel, a template or an inline function, counts as run where one of its compilations has been: gcovr 5.2 takes
-every one for branches of their own.  (The build makes always_inline functions out of line, for the same reason.)
+report.py lines <build folder>   of GCC's --coverage: lines and branches; also as coverage.json, for gcovr
+report.py mcdc <build folder>    of Clang 19's -fcoverage-mcdc: conditions that have decided alone
+Both fail unless all have been seen, but for what exclusions.txt lists.  What is compiled more than once, such as
+a kernel, a template or an inline function, counts as run where one of its compilations has been: gcovr 5.2 takes
+every one for branches of their own.  (GCC's build makes always_inline functions out of line, for the same reason.)
 """
 import collections
 import concurrent.futures
@@ -27,11 +28,11 @@ def relative(path, base=ROOT):
 class Exclusions:
     """Blocks of a file with what is missing, the text of the line, and the reason."""
 
-    def __init__(self):
+    def __init__(self, kinds):
         self.left = set()
         for block in (HERE / "exclusions.txt").read_text().split("\n\n"):
             rows = [row.strip() for row in block.splitlines() if row and not row.startswith("#")]
-            if rows:
+            if rows and rows[0].split()[1] in kinds:
                 file, what = rows[0].split(" ", 1)
                 self.left.add((file, what, rows[1]))
         self.used = set()
@@ -86,9 +87,9 @@ def count(build):
     return lines, branches
 
 
-def report(build):
+def report_lines(build):
     lines, branches = count(build)
-    exclusions = Exclusions()
+    exclusions = Exclusions({"line", "branch"})
     files = []
     for path in sorted(lines):
         text = (ROOT / path).read_text().splitlines()
@@ -110,6 +111,39 @@ def report(build):
     return exclusions.verdict()
 
 
-if len(sys.argv) != 2:
-    sys.exit(__doc__)
-sys.exit(not report(pathlib.Path(sys.argv[1]).resolve()))
+def conditions(file, profile):
+    """The decisions in a module or program: their places, and for each condition whether it has decided alone."""
+    command = ["llvm-cov-19", "export", f"-instr-profile={profile}", file]
+    out = subprocess.run(command, capture_output=True, text=True, check=True).stdout
+    for function in json.loads(out)["data"][0]["functions"]:
+        path = relative(function["filenames"][0])
+        for record in function.get("mcdc_records", []) if path else []:
+            yield (path, *record[:4]), record[-1]
+
+
+def report_mcdc(build):
+    profile = build / "merged.profdata"
+    subprocess.run(["llvm-profdata-19", "merge", "-o", profile, *build.glob("profiles/*.profraw")], check=True)
+    # The decision of TN_ASSERT comes out once for each file that asserts; tests/assertions/ looks at every one.
+    found = {}
+    for file in [*build.glob("**/libTARN*.so.1"), *build.glob("tests/*_test"), *build.glob("tests/*/*_test")]:
+        for place, decided_alone in conditions(file, profile):
+            seen = found.get(place, [False] * len(decided_alone))
+            found[place] = [a or b for a, b in zip(seen, decided_alone)]
+    exclusions = Exclusions({"mcdc"})
+    for (path, number, *_), seen in sorted(found.items()):
+        if not all(seen):
+            exclusions.cover(path, number, f"mcdc {seen.count(False)}")
+    n = sum(len(seen) for seen in found.values())
+    print(f"conditions: {sum(map(sum, found.values()))} out of {n} decide alone, in {len(found)} decisions")
+    return n > 0 and exclusions.verdict()
+
+
+def main():
+    if len(sys.argv) != 3 or sys.argv[1] not in ("lines", "mcdc"):
+        sys.exit(__doc__)
+    report = report_lines if sys.argv[1] == "lines" else report_mcdc
+    sys.exit(not report(pathlib.Path(sys.argv[2]).resolve()))
+
+
+main()
