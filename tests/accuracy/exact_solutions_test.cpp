@@ -303,9 +303,10 @@ TEST(ExactSolutions, DeterminantsAreAsGood) {
 
 // --- Positive definite matrices -------------------------------------------------------------------------
 
+bool is_symmetric(const Matrix& A) { return A.m == A.n && largest_difference(A, transposed(A)) == 0.0; }
+
 bool is_definite(const Problem& p) {
-  return is_inverse(p) && largest_difference(p.A, transposed(p.A)) == 0.0 &&
-         reference::Cholesky(p.A).complete;
+  return is_inverse(p) && is_symmetric(p.A) && reference::Cholesky(p.A).complete;
 }
 
 Matrix inverse_by_cholesky(const Matrix& A) {
@@ -354,16 +355,30 @@ TEST(ExactSolutions, AreFoundByCholesky) {
 
 // --- Bits -----------------------------------------------------------------------------------------------
 
+void add_eigenvectors(const Matrix& A, Digest& digest) {
+  TnLaDblMat a = dense(A);
+  TnArray<double> values;
+  TnLaDblMat vectors;
+  EXPECT_TRUE(tnla_eigenvector_basis(a, values, vectors));
+  for (std::size_t i = 0; i < A.n; ++i) digest.add(values[i]);
+  digest.add(plain(vectors));
+}
+
 TEST(ExactSolutions, HaveTheSameBitsEverywhere) {
-  Digest digest;
+  Digest solutions;
+  Digest definite;
+  Digest eigenvectors;
   for (const Problem& p : problems()) {
     const Answer answer = default_answer(p);
-    if (answer.verdict || p.A.m < p.A.n) digest.add(answer.X);
-    digest.add(answer_by_tolerance(p));
-    if (p.is_square()) digest.add(dense(p.A).det());
-    if (is_definite(p)) digest.add(inverse_by_cholesky(p.A));
+    if (answer.verdict || p.A.m < p.A.n) solutions.add(answer.X);
+    solutions.add(answer_by_tolerance(p));
+    if (p.is_square()) solutions.add(dense(p.A).det());
+    if (is_definite(p)) definite.add(inverse_by_cholesky(p.A));
+    if (is_symmetric(p.A)) add_eigenvectors(p.A, eigenvectors);
   }
-  EXPECT_EQ(digest.text(), "edaa5d7cff2db5a4");
+  EXPECT_EQ(solutions.text(), "ec2abc46c8b95dc3");
+  EXPECT_EQ(definite.text(), "94350b8fe360bb1a");
+  EXPECT_EQ(eigenvectors.text(), "b20b31560494bedc");
 }
 
 }  // namespace
