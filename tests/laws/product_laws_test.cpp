@@ -31,26 +31,25 @@ Operands operands(Random& random) {
 
 Matrix product_of(const Operands& o) { return plain(dense(o.A) * dense(o.B)); }
 
-// One more kind of the same numbers: elements `row` and `col` apart, between others that may not be read.
+// The same numbers, `row` and `col` apart, between others that may not be read.
 struct Strided {
+  std::size_t row;
+  std::size_t col;
   std::vector<double> values;
-  int row;
-  int col;
+
+  std::size_t at(std::size_t i, std::size_t j) const { return i * row + j * col; }
+  int row_step() const { return static_cast<int>(row); }
+  int col_step() const { return static_cast<int>(col); }
 };
 
 Strided strided(Random& random, const Matrix& A) {
-  const int inner = static_cast<int>(between(random, 1, 3));
-  const int m = static_cast<int>(A.m);
-  const int n = static_cast<int>(A.n);
+  const std::size_t inner = between(random, 1, 3);
+  const std::size_t gap = random.below(3);
   const bool by_row = random.below(2) == 0;
-  Strided s{{}, by_row ? inner * n + static_cast<int>(random.below(3)) : inner, 0};
-  s.col = by_row ? inner : inner * m + static_cast<int>(random.below(3));
-  s.values.assign(static_cast<std::size_t>(s.row * m + s.col * n), kNaN);
-  for (int j = 0; j < n; ++j) {
-    for (int i = 0; i < m; ++i) {
-      s.values[static_cast<std::size_t>(i * s.row + j * s.col)] =
-          A(static_cast<std::size_t>(i), static_cast<std::size_t>(j));
-    }
+  Strided s{by_row ? inner * A.n + gap : inner, by_row ? inner : inner * A.m + gap, {}};
+  s.values.assign(s.at(A.m, A.n), kNaN);
+  for (std::size_t j = 0; j < A.n; ++j) {
+    for (std::size_t i = 0; i < A.m; ++i) s.values[s.at(i, j)] = A(i, j);
   }
   return s;
 }
@@ -58,9 +57,7 @@ Strided strided(Random& random, const Matrix& A) {
 Matrix read(const Strided& s, std::size_t m, std::size_t n) {
   Matrix A(m, n);
   for (std::size_t j = 0; j < n; ++j) {
-    for (std::size_t i = 0; i < m; ++i) {
-      A(i, j) = s.values[i * static_cast<std::size_t>(s.row) + j * static_cast<std::size_t>(s.col)];
-    }
+    for (std::size_t i = 0; i < m; ++i) A(i, j) = s.values[s.at(i, j)];
   }
   return A;
 }
@@ -72,8 +69,8 @@ TEST(ProductLaws, StridedProductIsTheContiguousOne) {
     const Strided a = strided(random, o.A);
     const Strided b = strided(random, o.B);
     Strided c = strided(random, Matrix(o.A.m, o.B.n));
-    tnla_mat_mat_prod(o.A.m, o.A.n, o.B.n, a.values.data(), b.values.data(), c.values.data(), a.row, a.col,
-                      b.row, b.col, c.row, c.col);
+    tnla_mat_mat_prod(o.A.m, o.A.n, o.B.n, a.values.data(), b.values.data(), c.values.data(), a.row_step(),
+                      a.col_step(), b.row_step(), b.col_step(), c.row_step(), c.col_step());
     EXPECT_SAME_MATRIX(read(c, o.A.m, o.B.n), product_of(o));
   });
 }

@@ -317,13 +317,12 @@ TEST(SolvingLaws, ReflectionsOfStridedVectorsAreThoseOfContiguousOnes) {
     for (std::size_t k = 0; k < W.n; ++k) reflection.apply(expected.column(k), 1);
 
     // Strided, by the class.
-    std::vector<double> wide(length * static_cast<std::size_t>(incr), 7.0);
-    for (int i = 0; i < n; ++i) wide[static_cast<std::size_t>(i * incr)] = v[static_cast<std::size_t>(i)];
+    const std::size_t step = static_cast<std::size_t>(incr);
+    std::vector<double> wide(length * step, 7.0);
+    for (std::size_t i = 0; i < length; ++i) wide[i * step] = v[i];
     std::vector<double> u = wide;
     const TnLaHouseholder strided(pivot, zero, n, wide.data(), incr);
-    for (int i = 0; i < n; ++i) {
-      EXPECT_SAME(wide[static_cast<std::size_t>(i * incr)], reduced[static_cast<std::size_t>(i)]);
-    }
+    for (std::size_t i = 0; i < length; ++i) EXPECT_SAME(wide[i * step], reduced[i]);
     Matrix rows = transposed(W);
     for (std::size_t k = 0; k < W.n; ++k) strided.apply(rows.row(k), n_vec);
     EXPECT_SAME_MATRIX(rows, transposed(expected));
