@@ -3,8 +3,8 @@
 // processor, kernel set, place in memory and number of threads; expected.txt holds them, and is the output
 // of
 //     digest > tests/digest/expected.txt
-// The first percent has every operation, ten percent have every size from 0 to 64 and 100 and 183, and the
-// last round of all has the largest sizes.
+// The first percent has all but the rarest operations, ten percent have every size from 0 to 64, 100 and
+// 183, and the last round of all has the largest sizes.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
