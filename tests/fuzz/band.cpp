@@ -302,10 +302,6 @@ class Hostile : public TnLaBlkBndSolver {
 
   [[noreturn]] void fail() const {
     ending_ = bytes_.flag() ? Ending::thrown : Ending::out_of_memory;
-    if (work_ != nullptr) {  // what a client leaves when it throws is what the next solve finds
-      g_rows_ = work_->n_rows();
-      g_cols_ = work_->n_cols();
-    }
     if (ending_ == Ending::thrown) throw Thrown();
     throw std::bad_alloc();
   }

@@ -150,8 +150,7 @@ void rank_revealing_solve(const Matrix& A, const Matrix& B, Matrix& X, double to
   }
   Matrix whole = *Z;
   expect_resize<M>(whole, n_free == 0 ? 0 : A.n, n_free, files);
-  const Matrix basis = twin.null_space(*Z);  // of the first columns
-  std::copy(basis.a.begin(), basis.a.end(), Z->a.begin());
+  if (n_free > 0) twin.basis(*Z);  // turns all columns
 }
 
 template <class M>
