@@ -78,12 +78,10 @@ bool solve_large(const TnLaDblMat& A, const RightSide& B, TnLaDblMat& X) {
 // The least-squares solution for m >= n, as TnLaTQRDecompo<M>::solve gives it.
 template <class M>
 bool least_squares(const M& A, const RightSide& B, M& X) {
-  if (has_small_order(A)) return solve_small(A, B, X);
   if constexpr (std::is_same_v<M, TnLaDblMat>) {
-    return solve_large(A, B, X);
-  } else {
-    return false;  // not reached
+    if (!has_small_order(A)) return solve_large(A, B, X);
   }
+  return solve_small(A, B, X);
 }
 
 }  // namespace

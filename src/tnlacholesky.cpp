@@ -108,7 +108,7 @@ bool TnLaCholesky::factorize() {
   init(diagonal_, n_);
   const auto& kernels = tnla_kernels::best.cholesky;
   Scratch scratch(static_cast<std::size_t>(kernels.factor_scratch(n_)));
-  if (factor_ == nullptr) factor_ = new_block(n * n);
+  factor_ = new_block(n * n);
   std::copy_n(matrix_, n * n, factor_);
   return kernels.factor(n_, factor_, diagonal_, scratch.data());
 }

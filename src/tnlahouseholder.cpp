@@ -57,8 +57,8 @@ TnLaHouseholder::TnLaHouseholder(int j_pivot, int j_zero, int n, double* v, int 
   u_.set_size(static_cast<std::size_t>(n), false);
   const bool has_pivot = j_pivot >= 0 && j_pivot < n;
   TN_ASSERT("interfaces/tnarray_i.h", has_pivot);
-  if (!has_pivot || j_zero < 0) {  // beyond u: checked as in tnla_h1, then the identity
-    TN_ASSERT(kFile, valid_range(j_pivot, j_zero, n));
+  if (!has_pivot || j_zero < 0) {  // beyond u: no valid range, as in tnla_h1, and the identity
+    TN_ASSERT(kFile, false);
     return;
   }
   double* const u = u_.data();
@@ -94,8 +94,8 @@ TnLaHouseholder::~TnLaHouseholder() = default;
 void TnLaHouseholder::apply(double* w, int incr) const { TnLaAccess::reflect(*this, w, incr, 0, 1); }
 
 void TnLaHouseholder::debug(TnJournal& journal, int indent) const {
-  const TnString outer = tn_blankstring(indent);
   const TnString inner = tn_blankstring(indented(indent));
+  const TnString outer = tn_blankstring(indent);
   journal << outer << "Housholder transformation begin {\n\n";  // spelt so since its first release
   for (std::size_t i = 0; i < u_.size(); ++i) {
     journal << inner << u_[i];

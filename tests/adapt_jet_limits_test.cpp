@@ -8,6 +8,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "reference/jet_reference.h"
@@ -169,6 +170,39 @@ TEST(AdaptJet, TakesTheJetItselfAlsoWhereItHasTooFewDerivatives) {
         expect_adapts_like_the_twin({order, false, -1, 0}, x, x);
       });
     }
+  }
+}
+
+// --- A client that changes the jet while it is asked
+// ------------------------------------------------------
+
+class ReshapingBehaviour : public TnOperationBehaviour {
+ public:
+  ReshapingBehaviour(TnLaDblMat& jet, std::size_t rows, std::size_t cols)
+      : jet_(jet), rows_(rows), cols_(cols) {}
+
+  std::int16_t behaviour_level(const TnString*, int, std::int16_t) override {
+    jet_.resize(rows_, cols_, true);
+    return 1;
+  }
+
+ private:
+  TnLaDblMat& jet_;
+  std::size_t rows_;
+  std::size_t cols_;
+};
+
+// Derivatives beyond the order are not looked at, and one more does no harm.
+TEST(AdaptJet, AJetThatTheBehaviourGivesAnotherShapeIsLeftAlone) {
+  const Matrix jet = jet_of({{7, 8}, {1, 0}, {3, 1}, {5, -1}});
+  const Matrix ref = jet_of({{0, 0}, {-2, 0}, {17, 0}, {7, 0}});
+  for (const auto& [rows, cols] :
+       {std::pair<std::size_t, std::size_t>{3, 4}, {1, 4}, {2, 3}, {2, 0}, {0, 0}, {3, 5}, {2, 5}}) {
+    TnLaDblMat x = dense(jet);
+    ReshapingBehaviour behaviour(x, rows, cols);
+    tnla_util_adapt_jet(&behaviour, 3, x, dense(ref), false, nullptr);
+    const bool fits = rows == 2 && cols > 3;
+    EXPECT_SAME_MATRIX(x, reference::resized(fits ? adapted(jet, ref, 3) : jet, rows, cols));
   }
 }
 

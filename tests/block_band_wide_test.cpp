@@ -67,6 +67,32 @@ TEST(BlockBandWide, FollowsItsDefinitionForSpecialValues) {
   });
 }
 
+// --- Blocks that are not as they should be --------------------------------------------------------------
+
+// Folds one block after the other as they come: what the triangle holds is defined, and so is the answer.
+BandProblem problem_of_blocks(const std::vector<std::pair<int, int>>& first_and_count, int most) {
+  constexpr BandShape kShape = {24, 7, 2};
+  Random random(11);
+  BandProblem p = band_problem(kShape, most);
+  for (const auto& [first, count] : first_and_count) {
+    p.blocks.push_back(
+        {first, band_matrix(random, count, kShape.bandwidth + kShape.n_rhs, BandValues::uniform)});
+  }
+  return p;
+}
+
+TEST(BlockBandWide, FollowsItsDefinitionWhereBlocksGoBack) {
+  expect_follows_reference(problem_of_blocks({{0, 8}, {3, 8}, {1, 3}, {4, 9}, {2, 2}, {5, 8}}, 9));
+}
+
+TEST(BlockBandWide, FollowsItsDefinitionWhereBlocksLeaveAGap) {
+  expect_follows_reference(problem_of_blocks({{0, 2}, {4, 5}, {9, 8}, {17, 12}}, 12));
+}
+
+TEST(BlockBandWide, FollowsItsDefinitionWhereBlocksHaveMoreEquationsThanAnnounced) {
+  expect_follows_reference(problem_of_blocks({{0, 3}, {0, 12}, {2, 11}, {5, 3}}, 1));
+}
+
 // --- What a client sees and does -----------------------------------------------------------------------
 
 // Looks at the work matrix at each call, compares it with that of the reference, and may change it.  The

@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <ios>
 #include <limits>
+#include <new>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "reference/debug_text.h"
+#include "support/allocation.h"
 #include "support/assertions.h"
 #include "support/values.h"
 #include "tarntnla.h"
@@ -356,6 +358,19 @@ TEST(HouseholderDebug, NumbersHaveTheFormatOfTheStream) {
             "\n"
             "  -2./<u_, u_> = -2.5e-02\n"
             "\nTnLaHouseholder end   }\n");
+}
+
+// There is no memory for that many blanks, and the step further in does not overflow.
+TEST(HouseholderDebug, TheLargestIndentIsBadAllocAndWritesNothing) {
+  double v[] = {3, 4};
+  const TnLaHouseholder reflection(0, 1, 2, v, 1);
+  std::ostringstream stream;
+  TnJournal journal(stream);
+  for (const int indent : {INT_MAX, INT_MAX - 1, INT_MAX - 2}) {
+    const allocation::Failing failing(0);
+    EXPECT_THROW(reflection.debug(journal, indent), std::bad_alloc);
+  }
+  EXPECT_EQ(stream.str(), "");
 }
 
 TEST(HouseholderDebug, AssertsNothing) {

@@ -294,7 +294,8 @@ std::vector<Steps> layouts(std::size_t rows, std::size_t cols) {
 }
 
 TEST(StridedProduct, AgreesWithThePlainLoopsForAllSteps) {
-  for (const Shape& s : {Shape{1, 1, 1}, Shape{3, 4, 5}, Shape{6, 9, 7}, Shape{4, 3, 2}}) {
+  for (const Shape& s :
+       {Shape{1, 1, 1}, Shape{3, 4, 5}, Shape{6, 9, 7}, Shape{4, 3, 2}, Shape{1, 3, 2}, Shape{2, 3, 1}}) {
     SCOPED_TRACE(testing::Message() << "m = " << s.m << ", k = " << s.k << ", n = " << s.n);
     for (const Steps& sa : layouts(s.m, s.k)) {
       for (const Steps& sb : layouts(s.k, s.n)) {

@@ -385,6 +385,11 @@ TEST(QrSolve, MissingRowsOfBMakeItFail) {
   expect_solve_asserts(random_matrix(random, 4, 3), resized(B, 0, 2), false, kept);
 }
 
+TEST(QrSolve, MissingRowsOfNoColumnDoNotMatter) {
+  Random random(8);
+  expect_solve_asserts(random_matrix(random, 4, 3), Matrix(1, 0), true, Matrix(3, 0));
+}
+
 TEST(QrSolve, AMismatchIsAssertedAlsoWhereTheSolveFailsAnyway) {
   expect_solve_asserts(Matrix(2, 2), Matrix(3, 1), false, Matrix(2, 1, {9, 0}));
   expect_solve_asserts(Matrix(1, 2), Matrix(2, 1), false, Matrix(2, 1, {9, 0}));

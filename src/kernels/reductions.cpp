@@ -4,8 +4,6 @@
 
 namespace tnla_kernels {
 
-double sum_of_squares(Index n, const double* x) { return dot(n, x, x); }
-
 double dot(Index n, const double* x, const double* y, Index incr_y) {
   double sum = 0.0;
   for (Index i = 0; i < n; ++i) sum += x[i] * y[i * incr_y];

@@ -56,7 +56,6 @@ static inline Distance distance(Index n, const double* x, const double* y) {
   return {squared, reference};
 }
 
-double sum_of_squares(Index n, const double* x);                      // sum x[i] * x[i]
 double dot(Index n, const double* x, const double* y, Index incr_y);  // sum x[i] * y[i * incr_y]
 
 // m = x[0], with its sign; then m = |x[i]| unless m > |x[i]|, for i = 1 ... n-1.  n >= 1.  The comparison

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simd.h"
+#include "slab.h"
 
 // A chain of Householder reflections on many columns side by side.
 //
@@ -28,8 +29,6 @@ struct Slabs {
   double* row(Index slab, Index i) const { return data + slab * ld + i * kLanes; }
   double* column(Index l) const { return data + l / kLanes * ld + l % kLanes; }  // kLanes from row to row
 };
-
-inline Index slabs_for(Index n_cols) { return (n_cols + kLanes - 1) / kLanes; }
 
 // Slabs of n_rows rows in scratch: they begin at a cache line, and one line further apart than they need,
 // so that slabs of 2^k rows do not meet in one cache set.

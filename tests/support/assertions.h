@@ -22,17 +22,30 @@ class AssertionLog {
   AssertionLog(const AssertionLog&) = delete;
   AssertionLog& operator=(const AssertionLog&) = delete;
 
-  // The files named so far, in the order of the calls.
-  std::vector<std::string> files() const { return calls(); }
+  // The files named so far, in the order of the calls; and each with its line, as "file:line".
+  std::vector<std::string> files() const {
+    std::vector<std::string> files;
+    for (const Call& call : calls()) files.push_back(call.file);
+    return files;
+  }
+  std::vector<std::string> places() const {
+    std::vector<std::string> places;
+    for (const Call& call : calls()) places.push_back(call.file + ":" + std::to_string(call.line));
+    return places;
+  }
   std::size_t count() const { return calls().size(); }
   void clear() { calls().clear(); }
 
  private:
-  static std::vector<std::string>& calls() {
-    static std::vector<std::string> files;
-    return files;
+  struct Call {
+    std::string file;
+    int line;
+  };
+  static std::vector<Call>& calls() {
+    static std::vector<Call> calls;
+    return calls;
   }
-  static void record(const char* file, int /*line*/) { calls().emplace_back(file); }
+  static void record(const char* file, int line) { calls().push_back({file, line}); }
 };
 
 using Files = std::vector<std::string>;

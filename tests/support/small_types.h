@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/assertions.h"
 #include "support/bits.h"
+#include "support/printed.h"
 #include "support/values.h"
 #include "tarntnla.h"
 
@@ -168,15 +168,6 @@ std::string failing_file(F operation) {
     return thrown.file;
   }
   return "";
-}
-
-// What `print` writes to a journal.
-template <class F>
-std::string printed(F print) {
-  std::ostringstream text;
-  TnJournal journal(text);
-  print(journal);
-  return text.str();
 }
 
 // The sum of squares that decides whether a length counts as zero, from either side: the first vector of
