@@ -3,8 +3,9 @@
     report.py BUILD [--quick | --check | --report] [PROBLEM ...]
 
 Without an option: the full run; if it is one of all problems it also writes the document and its plots.
---quick: fewer and shorter ones, nothing is written.  --check: the answers alone, nothing is timed.
---report: no run; the document from the latest full run of every problem.
+--quick: fewer and shorter ones, nothing is written.  --check: the answers of the quick ones
+alone, nothing is timed.
+--report: no run; the document from the latest full run of every problem, on the machine that made it.
 """
 
 import subprocess

@@ -79,7 +79,7 @@ class Goal:
         return results.time(self.row) if self.most_time else results.ratio(self.row, self.peer)
 
     def is_met(self, results):
-        """Rounded to two digits, as it is shown."""
+        """Ratios to three digits, times as they are."""
         reached = self.reached(results)
         if self.most_time:
             return reached <= self.most_time

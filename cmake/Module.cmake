@@ -6,7 +6,6 @@ function(tarn_module name header_dir)
   tarn_compiles_as_we_do(${name})
   set_target_properties(${name} PROPERTIES
     OUTPUT_NAME TARN${name}
-    INSTALL_RPATH $ORIGIN  # one module finds the other beside it, also where a client links to one alone
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
   target_compile_features(${name} INTERFACE cxx_std_17)
@@ -14,7 +13,9 @@ function(tarn_module name header_dir)
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/${header_dir}>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarntnla>
     PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  target_link_options(${name} PRIVATE LINKER:-z,relro,-z,now)
+  # Everything is bound when the module is loaded, and what holds addresses is read-only from then on; a stack
+  # that can be executed, or code that the loader would have to patch, is an error.
+  target_link_options(${name} PRIVATE LINKER:-z,relro,-z,now LINKER:-z,noexecstack LINKER:-z,text)
   if(NOT TARN_SANITIZED)  # a sanitizer's runtime is found by the program, not by the module
     target_link_options(${name} PRIVATE LINKER:--no-undefined)
   endif()

@@ -11,7 +11,7 @@ void insert(std::ostream& stream, const T& value) {
   try {
     stream << value;
   } catch (...) {
-    // The stream keeps its own error state, for whoever owns it.
+    return;  // the stream keeps its own error state, for whoever owns it
   }
 }
 

@@ -8,8 +8,10 @@ class TnString;
 // that the number belongs to, and the function that turns the number into a text.
 //
 // A result owns none of what it points to.  It is valid while the module that filed the condition is
-// loaded.  Nothing here allocates, and only
-// error_text, which calls the package's function, can throw.
+// loaded.  Of one that outlives it, code and number can be read, and the result can be copied, filed anew
+// and dropped; error_text and the package, and a text that was read before, are gone with the module.
+//
+// Nothing here allocates, and only error_text, which calls the package's function, can throw.
 class TN_API TnResult {
  public:
   enum class CodeID : int { none, information, warning, error };

@@ -34,7 +34,8 @@ struct TnLaTOptional {
 // becomes 0 x 0 and *rank -1; *null_space is left alone.
 //
 // A small matrix keeps its shape: its `resize` asserts where another one is asked for, and *null_space
-// receives the basis in its first columns; pass a zero matrix there.
+// receives the basis in its first columns.  Pass a zero matrix there: whatever it holds is turned as the
+// basis is, in every column.
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI), with an absolute
 // tolerance.

@@ -44,9 +44,9 @@
 //
 // The solver owns a work matrix of (N + M) x (NB + R), made by the first solve() with the M of that time.
 // The copies that a solve works on, at most about NB + M rows, 32 rows or twice the band, are on the stack
-// up to 8 KB; more is allocated for its time.  A block of m equations costs at most about 2 NB (NB + 2 R)
-// (NB + m) flops.  From N = 3 NB on, exceptional
-// equations need a second matrix of N - 2 NB + 1 rows and NB columns for the time of a solve.
+// up to 8 KB; more is allocated for its time.  A block of m equations costs at most about
+// 2 NB (NB + 2 R) (NB + m) flops.  From N = 3 NB on, exceptional equations need a second matrix of
+// N - 2 NB + 1 rows and NB columns for the time of a solve.
 //
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 27 (sequential accumulation for banded
 // problems), for several right-hand sides.

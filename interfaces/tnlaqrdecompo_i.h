@@ -22,7 +22,8 @@
 //      not applied to the others (see tnlahouseholder_i.h): full_rank() may be true and X wrong.  Scale
 //      the system so that its columns have a length near 1.
 //  (3) The minimum of the test counts as 1e20 at most: an R with an entry above 1e30 and none below 1e20 on
-//      its diagonal is refused, whatever the spread.  A NaN on the diagonal passes; X then holds NaN.
+//      its diagonal is refused, whatever the spread.  A NaN on the diagonal does not fail the test, which
+//      forgets the entries before it; X then holds NaN.
 //
 // The object owns a copy of A and its reflections.  Factoring costs about 2 n^2 (m - n/3) flops, solving
 // about 4 m n flops a right-hand side.  std::bad_alloc leaves nothing behind.

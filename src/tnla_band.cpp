@@ -46,7 +46,9 @@ TnLaBand::TnLaBand(TnLaDblMat& G, int n, int bandwidth, std::size_t most)
       bandwidth_(bandwidth),
       n_rhs_(static_cast<Index>(G.n_cols()) - bandwidth),
       stride_(tnla_kernels::padded_band(bandwidth_ + n_rhs_)),
-      n_copies_(std::min(bandwidth_ + static_cast<Index>(most), static_cast<Index>(G.n_rows()))),
+      n_copies_(bandwidth_ < kNarrow
+                    ? 0
+                    : std::min(bandwidth_ + static_cast<Index>(most), static_cast<Index>(G.n_rows()))),
       scratch_(scratch_size(bandwidth_, n_rhs_, n_copies_) * sizeof(double)) {}
 
 void TnLaBand::fold(Index count, Index first) {
@@ -64,7 +66,7 @@ void TnLaBand::fold(Index count, Index first) {
 bool TnLaBand::fold_copies(Index count, Index first) {
   const Index n_old = n_rows_ - first;
   const Index height = n_old + count;
-  if (height < 2 || bandwidth_ < kNarrow || first < front_ || n_old < 0 || height > n_copies_) return false;
+  if (height < 2 || first < front_ || n_old < 0 || height > n_copies_) return false;
   const tnla_kernels::BandKernels& band = tnla_kernels::best.band;
   double* const g = TnLaAccess::elements(G_) + first;
   const auto ld = static_cast<Index>(G_.n_rows());

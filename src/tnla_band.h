@@ -65,7 +65,7 @@ class TnLaBand {
   Index front_ = 0;
   Index n_rows_ = 0;
   Index stride_;    // of the copies of rows
-  Index n_copies_;  // there is room for
+  Index n_copies_;  // there is room for, none for a narrow band
   TnLaWorkspace scratch_;
 };
 

@@ -28,7 +28,7 @@ struct TnLaExceptional {
 //
 // From N = 3 NB on, unknown after unknown is eliminated from the equations, until only the last 2 NB - 1
 // are left; the bound keeps the strip of `first`, as it travels along the unknowns, clear of those of
-// `last`. Below, everything is written out as one dense system.
+// `last`.  Below, everything is written out as one dense system.
 //
 // False where the dense system or that of the last unknowns is not of full rank, or a diagonal element of
 // the triangle is too small.

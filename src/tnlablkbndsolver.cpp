@@ -17,13 +17,15 @@ std::size_t size(int n) {
 class WorkMatrix {
  public:
   explicit WorkMatrix(TnLaDblMat& G) : G_(G), n_rows_(G.n_rows()), n_cols_(G.n_cols()) {}
+  WorkMatrix(const WorkMatrix&) = delete;
+  WorkMatrix& operator=(const WorkMatrix&) = delete;
 
   // What has another shape now is emptied, so that the next solve sets it up again.
-  bool has_kept_its_shape() {
-    if (G_.n_rows() == n_rows_ && G_.n_cols() == n_cols_) return true;
-    G_.resize(0, 0, false);
-    return false;
+  ~WorkMatrix() {
+    if (!has_kept_its_shape()) G_.resize(0, 0, false);
   }
+
+  bool has_kept_its_shape() const { return G_.n_rows() == n_rows_ && G_.n_cols() == n_cols_; }
 
  private:
   TnLaDblMat& G_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "kernels/kernel_set.h"
 #include "tnla_access.h"
@@ -51,7 +52,7 @@ TnLaRankRevealing::TnLaRankRevealing(Index m, Index n, const double* a, double t
 
 std::size_t TnLaRankRevealing::solve_scratch(Index p) const { return scratch_size(std::max(m_, n_), p); }
 
-std::size_t TnLaRankRevealing::basis_scratch(Index n_free) const { return scratch_size(n_, n_free); }
+std::size_t TnLaRankRevealing::basis_scratch(Index n_cols) const { return scratch_size(n_, n_cols); }
 
 // The number of diagonal entries before the first one below tol.
 Index TnLaRankRevealing::pseudo_rank(double tol) const {
@@ -102,10 +103,11 @@ void TnLaTHFTIDecompo<M>::null_space(M& Z) const {
     Z.resize(0, 0, true);
     return;
   }
-  TnLaWorkspace scratch(decomposition_.basis_scratch(n_free));  // before Z changes
+  const Index n_cols = std::is_same_v<M, TnLaDblMat> ? n_free : n;  // a small Z keeps its columns
+  TnLaWorkspace scratch(decomposition_.basis_scratch(n_cols));      // before Z changes
   Z.resize(static_cast<std::size_t>(n), static_cast<std::size_t>(n_free), true);
   Z.set_diagonal(1.0, -rank());
-  decomposition_.turn_back(n_free, TnLaAccess::elements(Z), scratch.doubles());
+  decomposition_.turn_back(n_cols, TnLaAccess::elements(Z), scratch.doubles());
 }
 
 #define TNLA_INSTANTIATE(M) template class TnLaTHFTIDecompo<M>;

@@ -33,14 +33,14 @@ class TnLaRankRevealing {
   Index n() const { return n_; }
   Index rank() const { return rank_; }
 
-  // In bytes, of `scratch` for p right sides, and for n_free = n - rank columns of the basis.
+  // In bytes, of `scratch` for p right sides, and for the columns of the basis.
   std::size_t solve_scratch(Index p) const;
-  std::size_t basis_scratch(Index n_free) const;
+  std::size_t basis_scratch(Index n_cols) const;
 
   // X, n x p, from B, m x p, both without gaps between the columns.
   void solve(Index p, const double* b, double* x, double* scratch) const;
 
-  // Turns the unit vectors of the free unknowns, n x n_free, into the basis.
+  // Turns the unit vectors of the free unknowns into the basis.
   void turn_back(Index n_cols, double* x, double* scratch) const;
 
  private:
@@ -74,7 +74,8 @@ class TnLaTHFTIDecompo {
   void solve(const M& B, M& X) const;
 
   // Z = an orthonormal basis of the null space in n x (n - rank); 0 x 0 if there is none.  Only the ones
-  // from which the basis is made are written before it is turned: Z must hold zeros (or be empty).
+  // from which the basis is made are written before Z is turned, every column of it: Z must hold zeros (or
+  // be empty).
   void null_space(M& Z) const;
 
  private:

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -82,10 +83,19 @@ const Dense kCore[] = {
        TnLaErr::make_result(TnResult::CodeID::error, TnLaErr::singular_matrix, result);
        w.keep(static_cast<double>(TnLaErr::error_number(result)));
        w.keep(result.error_text());
+       TnLaErr::make_result(TnResult::CodeID::error, TnLaErr::unknown_error, result);
+       w.keep(result.error_text());
      },
      0},
     {"package", [](W& w) { w.keep(TnLa::package_id()->c_str()); }, 0},
-    {"behaviour", [](W& w) { w.keep(TnOperationBehaviour().behaviour_level(&w.text, 1, 1)); }, 0},
+    {"behaviour",
+     [](W& w) {
+       TnOperationBehaviour behaviour;
+       behaviour.reserved_1(), behaviour.reserved_2();
+       w.keep(behaviour.behaviour_level(&w.text, 1, 1));
+     },
+     0},
+    {"behaviour on the heap", [](W&) { std::make_unique<TnOperationBehaviour>(); }, 1},
 };
 
 const Dense kMatrix[] = {
@@ -227,6 +237,7 @@ const Dense kReflections[] = {
     {"reflection assignment that fits", [](W& w) { w.t = w.h; }, 0},
     {"apply", [](W& w) { w.h.apply(w.work.data(), 2); }, 0},
     {"print reflection", [](W& w) { w.lengthy_h.debug(w.journal, 40); }},
+    {"reflection on the heap", [](W& w) { std::make_unique<TnLaHouseholder>(w.lengthy_h); }, 2},
     {"raw reflection",
      [](W& w) {
        double up = 0.0;
@@ -243,6 +254,7 @@ const Dense kSolvers[] = {
        w.keep(qr.R()), w.keep(qr.n_trafo()), w.keep(qr.full_rank());
        qr.T(2).apply(w.work.data(), 1);
      }},
+    {"QR on the heap", [](W& w) { w.keep(std::make_unique<Qr>(w.tall)->n_trafo()); }},
     {"QR of more columns than rows", [](W& w) { w.keep(Qr(w.wide).solve(w.A, w.M)); }},
     {"QR of an empty matrix", [](W& w) { w.keep(Qr(w.none).full_rank()); }},
     {"QR solve", [](W& w) { w.keep(Qr(w.big).solve(w.tall, w.M)); }},
@@ -370,6 +382,7 @@ const std::vector<Small<N>>& small_operations() {
       {"vector initialize",
        [](S& w) { w.v.initialize(w.x), w.v.initialize(w.y.data()), w.v.initialize(2.0); }, 0},
       {"vector queries", [](S& w) { w.keep(w.x.dim()), w.keep(w.x.empty()), w.keep(w.x(0)); }, 0},
+      {"vector elements", [](S& w) { w.v(0) = w.x(N - 1), w.v.data()[N - 1] = 2.0; }, 0},
       {"vector arithmetic",
        [](S& w) {
          w.keep(w.x + w.y), w.keep(w.x - w.y), w.keep(-w.x), w.keep(w.x * 2.0), w.keep(2.0 * w.x);
@@ -394,6 +407,7 @@ const std::vector<Small<N>>& small_operations() {
          w.keep(static_cast<double>(w.A.n_rows() + w.A.n_cols())), w.keep(w.A.empty()), w.keep(w.A(0, 0));
        },
        0},
+      {"matrix element", [](S& w) { w.C(0, N - 1) = w.A(N - 1, 0); }, 0},
       {"matrix arithmetic",
        [](S& w) {
          w.keep(w.A + w.B), w.keep(w.A - w.B), w.keep(-w.A), w.keep(w.A * 2.0), w.keep(2.0 * w.A);
@@ -416,7 +430,9 @@ const std::vector<Small<N>>& small_operations() {
        [](S& w) {
          const TnLaTQRDecompo<M> qr(w.A);
          w.keep(qr.R()), w.keep(qr.n_trafo()), w.keep(qr.full_rank()), w.keep(qr.solve(w.B, w.X));
+         if (qr.n_trafo() > 0) qr.T(0).apply(w.v.data(), 1);
        }},
+      {"QR on the heap", [](S& w) { w.keep(std::make_unique<TnLaTQRDecompo<M>>(w.A)->n_trafo()); }},
       {"QR of the zero matrix", [](S& w) { w.keep(TnLaTQRDecompo<M>(w.zero).solve(w.B, w.X)); }},
       {"solve", [](S& w) { w.keep(tnla_linearsolve(w.A, w.B, w.X)); }, 0},
       {"solve in place", [](S& w) { w.keep(tnla_linearsolve(w.X, w.B, w.X)); }, 0},

@@ -150,6 +150,22 @@ TEST(BlockBandMisuse, AWorkMatrixOfAnotherShape) {
   }
 }
 
+TEST(BlockBandMisuse, AWorkMatrixOfAnotherShapeThatAnExceptionLeaves) {
+  struct Thrown {};
+  const BandProblem p = sample(5, 0);
+  for (const Change change : kChangesOfShape) {
+    Spoiler solver(p);
+    solver.spoil_block = [change](TnLaDblMat& G, int&, int&) {
+      change(G);
+      throw Thrown();
+    };
+    TnLaDblMat x;
+    EXPECT_THROW(solver.solve(x), Thrown);
+    solver.spoil_block = nullptr;
+    expect_asserts({}, [&] { expect_same_answer(answer_of(solver), reference_answer(p)); });
+  }
+}
+
 // An answer that is wrong in several ways is one call of the hook.
 TEST(BlockBandMisuse, EverythingAtOnce) {
   expect_refuses_block([](TnLaDblMat& G, int& count, int& first) {

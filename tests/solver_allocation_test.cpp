@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <new>
 
 #include "support/allocation.h"
@@ -19,10 +20,23 @@ using Operation = trial::Operation<SolverWorld>;
 
 constexpr int kMaxInt = std::numeric_limits<int>::max();
 
+// A band solver of any sizes.
+class Sized : public TnLaBlkBndSolver {
+ public:
+  Sized(int unknowns, int bandwidth, int right_sides, int equations)
+      : TnLaBlkBndSolver(unknowns, 1, bandwidth, right_sides), equations_(equations) {}
+  void get_block_equations(int, int, TnLaDblMat&, int&, int&) const override {}
+  int max_block_equations() const override { return equations_; }
+
+ private:
+  int equations_;
+};
+
 // {name, operation, the number of its allocations where that is promised}
 
 const Operation kCholesky[] = {
     {"construction", [](W&) { TnLaCholesky(7).x(); }, 0},
+    {"on the heap", [](W& w) { std::make_unique<TnLaCholesky>(SolverWorld::kN)->a(w.A); }, 2},
     {"A", [](W& w) { w.fresh.a(w.A); }, 1},
     {"b", [](W& w) { w.fresh.b(w.b); }, 1},
     {"first solution",  // A, b, the factor and its diagonal, a copy of b, the solution
@@ -75,6 +89,15 @@ const Operation kBands[] = {
     {"used, structured solve", [](W& w) { w.keep(w.used_long.solve(w.X)); }},
     {"an unknown without an equation", [](W& w) { w.keep(BandClient(2, Chain::open).solve(w.X)); }},
     {"no unknowns", [](W& w) { w.keep(BandClient(0, Chain::open).solve(w.X)); }},
+    {"no exceptional equations unless overridden",
+     [](W& w) {
+       const Sized solver(8, 3, 2, 3);
+       int count = 7;
+       w.keep(solver.exceptional());
+       solver.get_exceptional_equations(w.X, w.X, w.vectors, count);
+       w.keep(count);
+     },
+     0},
 };
 
 // Violated preconditions.
@@ -120,18 +143,6 @@ const Operation kRefused[] = {
      [](W& w) { w.solve_faulty(W::kShort, Chain::closed, Fault::too_many_exceptional); }},
     {"another shape of the exceptional equations",
      [](W& w) { w.solve_faulty(W::kLong, Chain::closed, Fault::another_exceptional_shape); }},
-};
-
-// A band solver of any sizes.
-class Sized : public TnLaBlkBndSolver {
- public:
-  Sized(int unknowns, int bandwidth, int right_sides, int equations)
-      : TnLaBlkBndSolver(unknowns, 1, bandwidth, right_sides), equations_(equations) {}
-  void get_block_equations(int, int, TnLaDblMat&, int&, int&) const override {}
-  int max_block_equations() const override { return equations_; }
-
- private:
-  int equations_;
 };
 
 // Sizes that no computation of the library may wrap around, and negative ones.

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr std::size_t kThreads = 8;
+constexpr std::size_t kThreads = 16;
 
 // --- The work ------------------------------------------------------------------------------------------
 
@@ -299,6 +299,13 @@ bool install_and_wait_for_a_call(std::size_t which) {
   return true;
 }
 
+// Until every thread has ended n more pieces of work, of which all but the first began after the call.
+void wait_for_rounds(const std::array<std::atomic<int>, kThreads>& n_rounds, int n) {
+  for (const std::atomic<int>& rounds : n_rounds) {
+    for (const int before = rounds.load(); rounds.load() < before + n;) std::this_thread::yield();
+  }
+}
+
 }  // namespace
 
 TEST(Threads, TheWorkIsTheSameEachTime) {
@@ -319,22 +326,24 @@ TEST(Threads, DistinctObjectsGiveTheBitsOfOneThread) {
   for (std::size_t t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
       start.arrive_and_wait();
-      for (int round = 0; round < 20; ++round) n_wrong[t] += work(t).is(expected[t]) ? 0 : 1;
+      for (int round = 0; round < 10; ++round) n_wrong[t] += work(t).is(expected[t]) ? 0 : 1;
     });
   }
   for (std::thread& thread : threads) thread.join();
   for (std::size_t t = 0; t < kThreads; ++t) EXPECT_EQ(n_wrong[t], 0) << "seed " << t;
 }
 
-// Each handler stays until a check has called it, so that every exchange takes effect under way.
+// Each handler stays until a check has called it, so that every exchange takes effect under way.  The last
+// one is removed: who has begun a piece of work since then calls it no more.
 TEST(Threads, TheHandlerMayBeExchangedWhileOthersCompute) {
   const std::vector<Outcome> expected = work_on_one_thread();
   std::atomic<bool> done{false};
   std::array<int, kThreads> n_wrong{};
+  std::array<std::atomic<int>, kThreads> n_rounds{};
   std::vector<std::thread> threads;
   for (std::size_t t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
-      while (!done.load()) n_wrong[t] += work(t).is(expected[t]) ? 0 : 1;
+      for (; !done.load(); ++n_rounds[t]) n_wrong[t] += work(t).is(expected[t]) ? 0 : 1;
     });
   }
   bool called = true;
@@ -343,6 +352,10 @@ TEST(Threads, TheHandlerMayBeExchangedWhileOthersCompute) {
     exchange_as_fast_as_possible(std::chrono::milliseconds(20));
   }
   EXPECT_TRUE(called);
+  wait_for_rounds(n_rounds, 1);
+  const int n_calls_so_far = n_calls[0] + n_calls[1];
+  wait_for_rounds(n_rounds, 2);
+  EXPECT_EQ(n_calls[0] + n_calls[1], n_calls_so_far) << "a handler that was removed is called";
   done.store(true);
   for (std::thread& thread : threads) thread.join();
   for (std::size_t t = 0; t < kThreads; ++t) EXPECT_EQ(n_wrong[t], 0) << "seed " << t;

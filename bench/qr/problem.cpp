@@ -3,7 +3,7 @@
 //     solve           factor and solve, in one call where a library has one
 //     decomposition   the same by an object that keeps the decomposition
 //
-// `tall` cases are solved in the least-squares sense.
+// Tall cases are solved in the least-squares sense.
 
 #include "common/problem.h"
 

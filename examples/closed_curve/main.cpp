@@ -19,6 +19,7 @@
 #include "common/checks.h"
 #include "common/text_file.h"
 #include "curve_fit.h"
+#include "outline.h"
 #include "picture.h"
 
 namespace {
@@ -26,32 +27,11 @@ namespace {
 constexpr char kKnob[] = DATA_FOLDER "/outlines/star_knob.txt";
 constexpr double kKnobNoise = 0.1;  // mm, normal to the outline; see the README beside the file
 
-// Six points for each control point leave enough over to average the noise.  Twelve control points are the
-// fewest that the solver eliminates one by one; more than 200 would make the dense twin slow.
-constexpr std::size_t kPointsPerControl = 6;
-constexpr std::size_t kFewestControl = 12;
+// More control points would make the dense twin slow.
 constexpr std::size_t kMostControl = 200;
-constexpr std::size_t kMostPoints = 20000;
-
-constexpr double kShortest = 1.0;  // mm, so that the table shows it
-constexpr double kLongest = 1e9;
 
 // Beyond this condition the points do not say where every control point is.
 constexpr double kWorstCondition = 1e6;
-
-std::vector<Point> read_outline(const std::string& path) {
-  std::vector<Point> points;
-  for (const std::vector<double>& row : read_rows(path, 2, kPointsPerControl * kFewestControl)) {
-    points.push_back({row[0], row[1]});
-  }
-  if (points.size() > kMostPoints) {
-    throw DataError(path + ": more than " + std::to_string(kMostPoints) + " points");
-  }
-  const double length = polygon_length(points);
-  if (length < kShortest) throw DataError(path + ": the outline is less than 1 mm long");
-  if (length > kLongest) throw DataError(path + ": the outline is more than 1e9 mm long");
-  return points;
-}
 
 double largest_step_at_seam(const ClosedCurve& curve, int derivative) {
   const Point end = curve.at({curve.n_control() - 1, 1.0}, derivative);

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <sstream>
 
-TextFile::TextFile(const std::string& path, char comment) : path_(path), comment_(comment), file_(path) {
+TextFile::TextFile(const std::string& path, std::optional<char> comment)
+    : path_(path), comment_(comment), file_(path) {
   if (!file_) throw DataError(path_ + ": cannot be opened");
 }
 
@@ -14,7 +15,7 @@ bool TextFile::next(Words& words) {
   while (words.empty() && std::getline(file_, text)) {
     ++line_;
     if (file_.eof()) fail("the line does not end: the file may have been cut short");
-    if (!text.empty() && text[0] == comment_) continue;
+    if (comment_ && !text.empty() && text[0] == *comment_) continue;
     std::istringstream stream(text);
     for (std::string word; stream >> word;) words.push_back(word);
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,8 +17,8 @@ using Words = std::vector<std::string>;
 // A text file, line by line.  Whatever is wrong with it is a DataError that names the line.
 class TextFile {
  public:
-  // Lines that begin with `comment` are skipped, as are empty ones.
-  TextFile(const std::string& path, char comment);
+  // Lines that begin with `comment`, if there is one, are skipped, as are empty ones.
+  TextFile(const std::string& path, std::optional<char> comment);
 
   // The words of the next line; false at the end of the file.
   bool next(Words& words);
@@ -34,7 +35,7 @@ class TextFile {
 
  private:
   std::string path_;
-  char comment_;
+  std::optional<char> comment_;
   std::ifstream file_;
   std::size_t line_ = 0;
 };

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "cloud.h"
 #include "common/arguments.h"
 #include "common/checks.h"
 #include "common/drawing.h"
@@ -22,25 +23,8 @@ namespace {
 
 constexpr char kBracket[] = DATA_FOLDER "/clouds/bracket.txt";
 
-// Far enough for any body, and near enough for the squares.
-constexpr double kFarthest = 1e9;  // mm
-
 // A smaller moment is none: it is that of a body a millionth of a millimetre thick.
 constexpr double kSmallestMoment = 1e-12;  // kg mm^2
-
-TnLaDblMat read_cloud(const std::string& path) {
-  const std::vector<std::vector<double>> rows = read_rows(path, 3, 3);
-  TnLaDblMat cloud(rows.size(), 3, 0.0);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    for (std::size_t j = 0; j < 3; ++j) {
-      if (std::fabs(rows[i][j]) > kFarthest) {
-        throw DataError(path + ": point " + std::to_string(i + 1) + " is farther than 1e9 mm away");
-      }
-      cloud(i, j) = rows[i][j];
-    }
-  }
-  return cloud;
-}
 
 // The cloud, turned by 60 degrees about the direction (1, 1, 1).
 TnLaDblMat turned(const TnLaDblMat& cloud) {

@@ -7,9 +7,6 @@ namespace {
 
 constexpr std::size_t kMostRows = 2000;  // a dense matrix of that size has 32 megabytes
 
-// The banner begins like a comment, so that the comments are skipped here and not by TextFile.
-constexpr char kNoComment = '\0';
-
 void skip_comments(TextFile& file, Words& words) {
   while (file.next(words)) {
     if (words[0][0] != '%') return;
@@ -20,7 +17,8 @@ void skip_comments(TextFile& file, Words& words) {
 }  // namespace
 
 TnLaDblMat read_symmetric_matrix(const std::string& path) {
-  TextFile file(path, kNoComment);
+  // The banner begins like a comment, so that the comments are skipped here and not by TextFile.
+  TextFile file(path, std::nullopt);
   Words words;
   file.next(words);
   if (words != Words{"%%MatrixMarket", "matrix", "coordinate", "real", "symmetric"}) {

@@ -11,9 +11,7 @@
 namespace tnla_kernels {
 
 inline constexpr Index kBandPadding = 4;  // as many as the longest vector of a kernel set has lanes
-
-inline constexpr Index kBandExtra =
-    5;  // rows behind those of a fold, and entries behind a column of theirs
+inline constexpr Index kBandExtra = 5;    // rows behind those of a fold, entries behind a column of theirs
 
 static inline Index padded_band(Index n) { return (n + kBandPadding - 1) / kBandPadding * kBandPadding; }
 

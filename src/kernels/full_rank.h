@@ -9,7 +9,8 @@ inline constexpr double kLargestSpread = 1e10;      // largest over smallest ent
 inline constexpr double kNoMinimumYet = 1e20;       // where the search for the smallest entry starts
 
 // The verdict on the diagonal of R (see TnLaTQRDecompo), which takes its entries in ascending order.  The
-// comparisons are written so that a NaN replaces the running value, and passes the tests.
+// comparisons are written so that a NaN replaces the running value, the entry after a NaN replaces it in
+// turn, and a NaN that is the last passes the tests.
 struct FullRank {
   double smallest = kNoMinimumYet;
   double largest = 0.0;

@@ -12,8 +12,16 @@ constexpr Index kSmallOperand = 2000;
 
 bool goes_direct(Index m, Index k) { return m < 2 * kLanes || m * k <= kSmallOperand; }
 
+// An empty sum is 0, and its operands may be null.
+void product_of_nothing(Index m, Index n, double* c, Steps sc) {
+  for (Index j = 0; j < n; ++j) {
+    for (Index i = 0; i < m; ++i) c[i * sc.row + j * sc.col] = 0.0;
+  }
+}
+
 void product(Index m, Index k, Index n, const double* a, const double* b, double* c) {
   if (m == 0 || n == 0) return;
+  if (k == 0) return product_of_nothing(m, n, c, {1, m});
   if (goes_direct(m, k)) {
     direct_product(m, k, n, a, m, b, k, c, m);
   } else if (n <= 3) {
@@ -46,9 +54,7 @@ bool shares_places(Index m, Index n, Steps s) {
 // One sum after the other.
 void product_in_row_order(Index m, Index k, Index n, const double* a, Steps sa, const double* b, Steps sb,
                           double* c, Steps sc) {
-  for (Index i = 0; i < m; ++i) {
-    for (Index j = 0; j < n; ++j) c[i * sc.row + j * sc.col] = 0.0;
-  }
+  product_of_nothing(m, n, c, sc);
   for (Index i = 0; i < m; ++i) {
     for (Index j = 0; j < n; ++j) {
       double sum = c[i * sc.row + j * sc.col];
@@ -65,6 +71,7 @@ Steps transposed(Steps s) { return {s.col, s.row}; }
 void strided_product(Index m, Index k, Index n, const double* a, Steps sa, const double* b, Steps sb,
                      double* c, Steps sc) {
   if (m == 0 || n == 0) return;
+  if (k == 0) return product_of_nothing(m, n, c, sc);
   if (shares_places(m, n, sc)) return product_in_row_order(m, k, n, a, sa, b, sb, c, sc);
   if (sc.row != 1 && sc.col == 1) {  // C' = B' A' has contiguous rows
     return strided_product(n, k, m, b, transposed(sb), a, transposed(sa), c, transposed(sc));

@@ -11,6 +11,8 @@ namespace tnla_kernels::TNLA_SET {
 
 namespace {
 
+static_assert(kLanes <= kQrLanes && kPanel * kLanes <= kQrColumns && kGroup * kLanes <= kQrColumns);
+
 // The first whole cache line.
 double* aligned(double* scratch) {
   constexpr std::uintptr_t kDoubles = 8;

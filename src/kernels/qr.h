@@ -21,14 +21,18 @@ struct QrColumns {
   const double* b;
   Index ldb;
 
-  const double* operator[](Index j) const { return j < n ? a + j * lda : b + (j - n) * ldb; }
+  [[gnu::always_inline]] const double* operator[](Index j) const {
+    return j < n ? a + j * lda : b + (j - n) * ldb;
+  }
 };
+
+inline constexpr Index kQrLanes = 4;     // of the widest set
+inline constexpr Index kQrColumns = 40;  // side by side at once, in any set
 
 // Doubles of scratch memory for n columns of m rows.
 constexpr Index qr_scratch(Index m, Index n) {
-  constexpr Index most = 40;  // columns at once
-  const Index columns = (n + 3) / 4 * 4;
-  return (m + 8) * (columns < most ? columns : most) + 8;
+  const Index columns = (n + kQrLanes - 1) / kQrLanes * kQrLanes;
+  return (m + 8) * (columns < kQrColumns ? columns : kQrColumns) + 8;
 }
 
 // The QR decomposition and the solution by it, many columns side by side.

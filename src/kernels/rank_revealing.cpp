@@ -85,7 +85,7 @@ class Triangularization {
   }
 
   // Brings column `pivot` up to date and to r, whose column j it is from now on, and puts column j in its
-  // place.  The lane of column j dies: the NaN in its pivot row spreads by its sum.
+  // place.  The lane of column j dies: its length and its pivot row become NaN.
   void take_column(Index j, Index pivot) {
     double* const from = w_.column(pivot);
     double* const to = w_.column(j);

@@ -63,8 +63,7 @@ struct RankRevealingKernels {
 
 // Scratch, in doubles, for columns side by side in vectors of up to kWidest.
 inline constexpr Index kWidest = 8;
-inline constexpr Index kTogether =
-    4 * kWidest;  // more right sides are taken one such group after the other
+inline constexpr Index kTogether = 4 * kWidest;  // right sides go through in groups of no more than these
 
 constexpr Index columns_scratch(Index n_rows, Index n_cols) { return (n_rows + 12) * (n_cols + kWidest); }
 

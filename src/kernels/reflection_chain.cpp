@@ -148,8 +148,8 @@ struct GroupOf {
   static constexpr Index value = V;
 };
 
-// Calls f(GroupOf<V>(), slab) for groups of V slabs.  Fewer than four vectors do not hide the latency of an
-// addition, so 7 are taken as 4 and 3.
+// Calls f(GroupOf<V>(), slab) for groups of V slabs.  Few vectors do not hide the latency of an addition,
+// so 7 are taken as 4 and 3 rather than as 6 and 1.
 template <class F>
 inline void for_groups(Index n_slabs, const F& f) {
   for (Index slab = 0; slab < n_slabs;) {

@@ -16,7 +16,8 @@
 //
 // Every column has its own operations, in the order that reflection.h states.  A sum of exactly 0 leaves
 // its column alone, which is not the same as adding 0 * u; a group of slabs that has such a column takes a
-// pass that blends.  Lanes that hold no column, or none any longer, hold NaN: their sums are never 0.
+// pass that blends.  A lane that holds no column, or none any longer, has NaN in its pivot row: its sum is
+// not 0, unless the reflection is the identity, and so it does not ask for that pass.
 namespace tnla_kernels::TNLA_SET {
 
 inline constexpr double kDead = __builtin_nan("");  // the content of a lane without a column

@@ -8,9 +8,10 @@
 // A vector of doubles, as wide as the instruction set that a source is compiled for.
 //
 // The sources of the kernel sets are compiled once per set, with TNLA_SET its namespace and TNLA_LANES its
-// width.  All that they define is in that namespace, and they use no function template of the standard
-// library: the linker keeps one copy of such a function for the whole module, and it might be the one for
-// the newer processor.
+// width.  All that their objects define is in that namespace: of a function that several of them define,
+// one of the standard library for example, the linker keeps one copy for the whole module, and it might be
+// the one for the newer processor.  (Without optimisation they do define some; there the portable set comes
+// first.)
 #if !defined(TNLA_SET) || !defined(TNLA_LANES)
 #error "the sources of the kernel sets are compiled by tnla_kernel_set (cmake/KernelSets.cmake)"
 #endif

@@ -33,6 +33,8 @@ inline void for_count(Index n, F f) {
     case 5:
       f(Count<5>());
       break;
+    default:
+      break;
   }
 }
 

@@ -40,8 +40,9 @@ TEST(ReflectionKernels, MakeFromEveryLength) {
   Random random(1);
   for (int n = 1; n <= 40; ++n) {
     for (const int incr : {1, 2, 5}) {
-      const int size = (n + 1) * incr;
-      expect_made(random.vector(static_cast<std::size_t>(size)), n, incr);
+      const int entries = (n + 1) * incr;
+      const auto size = static_cast<std::size_t>(entries);
+      expect_made(random.vector(size), n, incr);
       expect_made(random.any_vector(size), n, incr);
     }
   }
@@ -75,8 +76,9 @@ struct Shape {
 void expect_reflected(Random& random, const Shape& s, const Values& u, double up, double scale) {
   SCOPED_TRACE(testing::Message() << s.n_vec << " vectors of " << s.n << ", increment " << s.incr
                                   << ", stride " << s.stride);
-  const auto size = (s.n + 1) * s.incr + (s.n_vec + 1) * s.stride + 16;
-  Values w = random.vector(static_cast<std::size_t>(size));
+  const auto entries = (s.n + 1) * s.incr + (s.n_vec + 1) * s.stride + 16;
+  const auto size = static_cast<std::size_t>(entries);
+  Values w = random.vector(size);
   // Now and then a vector whose product with u is exactly zero.
   for (int k = 0; k < s.n_vec; ++k) {
     if (random.below(4) > 0) continue;

@@ -61,7 +61,7 @@ class Band {
   bool solve(Matrix& x) {
     for (const BandBlock& block : p.blocks) fold(block);
     if (!p.exceptional || p.n_exceptional() < 1) return back_substitute_band(x);
-    return N < 3 * NB ? solve_dense(x) : solve_structured(x);
+    return NB < 1 || N < 3 * NB ? solve_dense(x) : solve_structured(x);
   }
 
   // One block of a solve.
