@@ -30,11 +30,8 @@ inline void for_count(Index n, F f) {
     case 4:
       f(Count<4>());
       break;
-    case 5:
-      f(Count<5>());
-      break;
     default:
-      break;
+      f(Count<kGroup>());
   }
 }
 
