@@ -1,6 +1,7 @@
 # The kernel sets: one source, compiled once for each instruction set.
 
 include(CheckCXXSourceCompiles)
+include(CMakePushCheckState)
 
 # tnla_kernel_set(<set> <lanes> [options...]): the object library kernels_<set>.
 #
@@ -35,9 +36,15 @@ add_library(kernels INTERFACE)
 target_sources(kernels INTERFACE $<TARGET_OBJECTS:kernels_portable> ${PROJECT_SOURCE_DIR}/src/kernels/dispatch.cpp)
 
 option(TNLA_WITH_AVX2 "Build the kernels for AVX2 too" ON)
-set(CMAKE_REQUIRED_FLAGS -mavx2)  # which Clang takes for any processor
-check_cxx_source_compiles("#ifndef __AVX2__\n#error\n#endif\nint main() {}" TNLA_COMPILES_AVX2)
-unset(CMAKE_REQUIRED_FLAGS)
+# The option alone says nothing: Clang 14 takes it for any processor.
+cmake_push_check_state()
+string(APPEND CMAKE_REQUIRED_FLAGS " -mavx2")
+check_cxx_source_compiles("
+  #ifndef __AVX2__
+  #error
+  #endif
+  int main() { return __builtin_cpu_supports(\"avx2\"); }" TNLA_COMPILES_AVX2)
+cmake_pop_check_state()
 if(TNLA_WITH_AVX2 AND TNLA_COMPILES_AVX2)
   tnla_kernel_set(avx2 4 -mavx2)
   target_sources(kernels INTERFACE $<TARGET_OBJECTS:kernels_avx2>)
