@@ -225,6 +225,7 @@ TEST(CholeskyDisturbance, AFailedSolutionWithoutFactorIsTriedAgain) {
       try {
         cholesky.x();
       } catch (const std::bad_alloc&) {
+        EXPECT_TRUE(failing.has_failed());
       }
       failed = failing.has_failed();
     }

@@ -241,10 +241,10 @@ TEST(DefaultSolve, OfAWideSystemAssertsItsPreconditionsOnce) {
                              {{0, 3}, {0, 1}},
                              {{2, 3}, {2, 0}},
                              {{0, 3}, {2, 2}}}) {
-    expect_asserts({kSource}, [&A = A, &B = B] {
+    expect_asserts({kSource}, [&left = A, &right = B] {
       TnLaDblMat X = dense(something());
       TnLaDblMat Z = dense(something());
-      EXPECT_FALSE(tnla_linearsolve(dense(A), dense(B), X, &Z));
+      EXPECT_FALSE(tnla_linearsolve(dense(left), dense(right), X, &Z));
       EXPECT_SAME_MATRIX(X, Matrix());
       EXPECT_SAME_MATRIX(Z, something());
     });

@@ -83,14 +83,14 @@ std::vector<Type> definite_types() {
        one_less},
   };
   for (const auto& [spread, name] : spreads()) {
-    types.push_back({std::string("condition 3e7, ") + name,
-                     [spread = spread](Random& random, std::size_t, std::size_t n) {
-                       return definite(random, n, spread, kHalf);
-                     }});
-    types.push_back({std::string("condition 9e14, ") + name,
-                     [spread = spread](Random& random, std::size_t, std::size_t n) {
-                       return scaled(definite(random, n, spread, kAlmostSingular), kIntoRange);
-                     }});
+    types.push_back(
+        {std::string("condition 3e7, ") + name, [of = spread](Random& random, std::size_t, std::size_t n) {
+           return definite(random, n, of, kHalf);
+         }});
+    types.push_back(
+        {std::string("condition 9e14, ") + name, [of = spread](Random& random, std::size_t, std::size_t n) {
+           return scaled(definite(random, n, of, kAlmostSingular), kIntoRange);
+         }});
   }
   return types;
 }

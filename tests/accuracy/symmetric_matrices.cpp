@@ -86,8 +86,8 @@ std::vector<SymmetricType> symmetric_types() {
       for (const bool signs : {false, true}) {
         types.push_back({std::string(turned ? "turned, " : "diagonal, ") + name +
                              (signs ? ", of either sign" : ", positive"),
-                         [spread = spread, signs, turned](Random& random, std::size_t n) {
-                           return of_spread(random, n, spread, signs, turned);
+                         [of = spread, signs, turned](Random& random, std::size_t n) {
+                           return of_spread(random, n, of, signs, turned);
                          }});
       }
     }

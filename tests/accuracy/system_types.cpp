@@ -63,8 +63,8 @@ Matrix with_uneven_columns(Random& random, Matrix A) {
 void add_conditioned(std::vector<Type>& types, const char* name, long double condition, double factor) {
   for (const auto& [spread, spread_name] : spreads()) {
     types.push_back({std::string(name) + ", " + spread_name,
-                     [spread = spread, condition, factor](Random& random, std::size_t m, std::size_t n) {
-                       return scaled(of_condition(random, m, n, spread, condition), factor);
+                     [of = spread, condition, factor](Random& random, std::size_t m, std::size_t n) {
+                       return scaled(of_condition(random, m, n, of, condition), factor);
                      }});
   }
 }

@@ -7,7 +7,7 @@
 // Runs `call`, which contains the expectations, with a handler whose calls must be `files`, and then
 // without: no result depends on being checked.
 template <class F>
-void expect_asserts(const Files& files, F call) {
+void expect_asserts(const Files& files, const F& call) {
   {
     const AssertionLog log;
     call();
