@@ -21,16 +21,6 @@ namespace {
 
 constexpr int kMaxInt = std::numeric_limits<int>::max();
 
-// Returns whether the problem has been solved.
-bool expect_follows_reference(const BandProblem& problem) {
-  SCOPED_TRACE(testing::Message() << problem);
-  const AssertionLog log;
-  const BandAnswer actual = answer_of(problem);
-  EXPECT_EQ(log.count(), 0u);
-  expect_same_answer(actual, reference_answer(problem));
-  return actual.solved;
-}
-
 // Calls f(random, shape) for bandwidths 1 ... 5, for the shortest system, those around the length where the
 // treatment of exceptional equations changes, and a long one.
 template <class F>

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "reference/band_reference.h"
-#include "support/assertions.h"
 #include "support/band_problem.h"
 #include "support/decomposition_types.h"
 #include "support/values.h"
@@ -18,16 +17,6 @@
 namespace {
 
 constexpr int kWidths[] = {5, 6, 7, 8, 9, 12, 15, 16, 17, 33};
-
-// Returns whether the problem has been solved.
-bool expect_follows_reference(const BandProblem& problem) {
-  SCOPED_TRACE(testing::Message() << problem);
-  const AssertionLog log;
-  const BandAnswer actual = answer_of(problem);
-  EXPECT_EQ(log.count(), 0u);
-  expect_same_answer(actual, reference_answer(problem));
-  return actual.solved;
-}
 
 template <class F>
 void for_all_shapes(F f) {

@@ -1,6 +1,7 @@
 #include <sstream>
 
 #include "families.h"
+#include "sums.h"
 
 // Element-wise arithmetic, norms and printing of dense matrices and vectors.
 
@@ -16,19 +17,10 @@ void matrices(Data& data, Digest& digest) {
   TnLaDblMat A = data.matrix(m, data.short_size());
   const TnLaDblMat B = partner(data, A);
   const double s = data.number();
-  digest.add(A + B);
-  digest.add(A - B);
-  digest.add(A * s);
-  digest.add(s * A);
-  digest.add(-A);
+  add_sums(digest, A, B, s);
   digest.add(A.sq_norm());
   digest.add(A.mx_norm());
-  A += B;
-  digest.add(A);
-  A *= s;
-  digest.add(A);
-  A -= B;
-  digest.add(A);
+  add_updates(digest, A, B, s);
   if (!A.empty()) {  // by an element of its own, and by itself
     const std::size_t i = data.below(A.n_rows());
     A *= A(i, data.below(A.n_cols()));
@@ -43,11 +35,7 @@ void vectors(Data& data, Digest& digest) {
   const TnLaDblVec y = data.one_in(20) ? data.vector(2) : data.vector(x.array().size());
   const double a = data.number();
   const double b = data.number();
-  digest.add(x + y);
-  digest.add(x - y);
-  digest.add(x * a);
-  digest.add(a * x);
-  digest.add(-x);
+  add_sums(digest, x, y, a);
   digest.add(x % y);
   digest.add(x.sq_norm());
   digest.add(x.mx_norm());
@@ -60,12 +48,7 @@ void vectors(Data& data, Digest& digest) {
   digest.add(z);
   tnla_lincomb(y, b, x, a, x);
   digest.add(x);
-  x += y;
-  digest.add(x);
-  x *= b;
-  digest.add(x);
-  x -= y;
-  digest.add(x);
+  add_updates(digest, x, y, b);
   if (!x.empty()) x *= x(static_cast<int>(data.below(x.array().size())));
   digest.add(x);
   x.normalize();

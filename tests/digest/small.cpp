@@ -2,6 +2,7 @@
 
 #include "dimensions.h"
 #include "families.h"
+#include "sums.h"
 
 // Arithmetic, editing and printing of the small types, all twelve in each round.
 
@@ -28,11 +29,7 @@ struct Arithmetic {
     Vec x = vector<N>();
     Vec y(data.array(data.one_in(8) ? N + 1 : N));
     const double s = data.number();
-    digest.add(x + y);
-    digest.add(x - y);
-    digest.add(x * s);
-    digest.add(s * x);
-    digest.add(-x);
+    add_sums(digest, x, y, s);
     digest.add(x % y);
     digest.add(x.sq_norm());
     digest.add(x.mx_norm());
@@ -42,12 +39,7 @@ struct Arithmetic {
     TnJournal journal(stream);
     x.debug(journal, static_cast<int>(data.below(18)), 1);
     digest.add(stream.str());
-    x += y;
-    digest.add(x);
-    x *= s;
-    digest.add(x);
-    x -= y;
-    digest.add(x);
+    add_updates(digest, x, y, s);
     x.normalize();
     digest.add(x);
     x.swap(y);
@@ -71,19 +63,10 @@ struct Arithmetic {
     const Mat B = data.small_matrix<n>();
     const double s = data.number();
     digest.add(A * vector<N>());
-    digest.add(A + B);
-    digest.add(A - B);
-    digest.add(A * s);
-    digest.add(s * A);
-    digest.add(-A);
+    add_sums(digest, A, B, s);
     digest.add(A.sq_norm());
     digest.add(A.mx_norm());
-    A += B;
-    digest.add(A);
-    A *= s;
-    digest.add(A);
-    A -= B;
-    digest.add(A);
+    add_updates(digest, A, B, s);
 
     A = B;
     const std::size_t i = data.below(n + 1);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "reference/band_reference.h"
+#include "support/assertions.h"
 #include "support/decomposition_types.h"
 #include "support/expect_asserts.h"
 #include "support/values.h"
@@ -90,6 +91,16 @@ inline BandAnswer reference_answer(const BandProblem& problem) {
 inline void expect_same_answer(const BandAnswer& actual, const BandAnswer& expected) {
   EXPECT_EQ(actual.solved, expected.solved);
   EXPECT_SAME_MATRIX(actual.x, expected.x);
+}
+
+// Bits, and no report.  Returns whether the problem has been solved.
+inline bool expect_follows_reference(const BandProblem& problem) {
+  SCOPED_TRACE(testing::Message() << problem);
+  const AssertionLog log;
+  const BandAnswer actual = answer_of(problem);
+  EXPECT_EQ(log.count(), 0u);
+  expect_same_answer(actual, reference_answer(problem));
+  return actual.solved;
 }
 
 // Bits, and the elements beyond the unknowns that are reported, one by one.
