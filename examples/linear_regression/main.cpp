@@ -1,10 +1,11 @@
 // Linear regression on data sets with certified results: how many digits does a least-squares solve get
 // right?
 //
-//   linear_regression [--digits N] [FILE ...]
+//   linear_regression [--digits N] [--picture FILE.svg] [FILE ...]
 //
-// Exits with 0 if every coefficient reaches the digits expected of its data set, with 1 if one does not,
-// with 2 if a file or the command line is wrong.
+// The picture is of the last data set, if it has one predictor.  Exits with 0 if every coefficient reaches
+// the digits expected of its data set, with 1 if one does not, with 2 if a file or the command line is
+// wrong.
 
 #include <algorithm>
 #include <cmath>
@@ -15,11 +16,12 @@
 #include <vector>
 
 #include "data_set.h"
+#include "picture.h"
 #include "regression.h"
 
 namespace {
 
-constexpr char kUsage[] = "usage: linear_regression [--digits N] [FILE ...]";
+constexpr char kUsage[] = "usage: linear_regression [--digits N] [--picture FILE.svg] [FILE ...]";
 
 constexpr double kDigitsOfNamedFile = 5.0;
 
@@ -58,10 +60,8 @@ double print_coefficients(const DataSet& data, const Fit& fit) {
   return worst;
 }
 
-// Solves one data set and prints its table.  True if every coefficient has the digits expected.
-bool run(const Task& task) {
-  const DataSet data = read_data_set(task.path);
-  const Fit result = fit(data);
+// Prints the table of one data set.  True if every coefficient has the digits expected.
+bool report(const Task& task, const DataSet& data, const Fit& result) {
   std::printf("%s: %zu observations, %zu coefficient%s\n", data.name.c_str(), data.n_observations(),
               data.terms.size(), data.terms.size() == 1 ? "" : "s");
   if (result.by_qr) {
@@ -92,14 +92,23 @@ double parse_digits(const char* word) {
   return digits;
 }
 
-std::vector<Task> parse(int argc, char** argv) {
-  double digits = -1.0;
+struct Request {
   std::vector<Task> tasks;
+  std::string picture;
+};
+
+Request parse(int argc, char** argv) {
+  double digits = -1.0;
+  Request result{{}, "linear_regression.svg"};
+  std::vector<Task>& tasks = result.tasks;
   for (int i = 1; i < argc; ++i) {
     const std::string word = argv[i];
     if (word == "--digits") {
       if (++i == argc) refuse("--digits wants a number");
       digits = parse_digits(argv[i]);
+    } else if (word == "--picture") {
+      if (++i == argc) refuse("--picture wants a file");
+      result.picture = argv[i];
     } else if (word == "--help") {
       std::puts(kUsage);
       std::exit(0);
@@ -113,16 +122,29 @@ std::vector<Task> parse(int argc, char** argv) {
   if (digits >= 0.0) {
     for (Task& task : tasks) task.digits = digits;
   }
-  return tasks;
+  return result;
+}
+
+// True if every coefficient of the task has the digits expected of it.
+bool run(const Request& request, const Task& task) {
+  const DataSet data = read_data_set(task.path);
+  const Fit result = fit(data);
+  const bool reached = report(task, data, result);
+  if (&task == &request.tasks.back() && can_be_drawn(data)) {
+    draw_fit(data, result, request.picture);
+    std::printf("Picture: %s\n", request.picture.c_str());
+  }
+  return reached;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  const Request request = parse(argc, argv);
   int status = 0;
-  for (const Task& task : parse(argc, argv)) {
+  for (const Task& task : request.tasks) {
     try {
-      if (!run(task) && status == 0) status = 1;
+      if (!run(request, task) && status == 0) status = 1;
     } catch (const std::exception& problem) {
       std::fflush(stdout);
       std::fprintf(stderr, "%s\n", problem.what());
