@@ -7,8 +7,10 @@ set(_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TARNtnla)
 
 # A module has no path to look for the other one: the loader finds both where it finds the program's libraries.
 # So a program has to name both, also where its linker leaves out what it sees no use of.
-target_link_options(tnla INTERFACE
-  $<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:TARN::tn>,--pop-state>)
+if(NOT WIN32)
+  target_link_options(tnla INTERFACE
+    $<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:TARN::tn>,--pop-state>)
+endif()
 
 install(TARGETS tn tnla EXPORT TARNtnlaTargets)
 install(FILES ${TN_HEADERS} ${TNLA_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarntnla)

@@ -19,7 +19,11 @@ using TnAssertionHandler = void (*)(const char* file, int line);
 TN_API extern TnAssertionHandler kit_assertion_handler;
 
 inline TnAssertionHandler tn_load_assertion_handler() noexcept {
+#if defined(__GNUC__)
   return __atomic_load_n(&kit_assertion_handler, __ATOMIC_RELAXED);
+#else  // a read that is made anew is such a load wherever a pointer is read at once
+  return const_cast<const volatile TnAssertionHandler&>(kit_assertion_handler);
+#endif
 }
 
 // Checks one precondition.  `file` is the path to report, relative to the repository's root; it is

@@ -113,6 +113,7 @@ TnLaTSmallMat<Rows, Cols, T> operator*(const double& s, const TnLaTSmallMat<Rows
   return m * s;
 }
 
+#ifndef _WIN32  // a DLL shows no inline function of a template: there a client makes its own
 extern template class TnLaTSmallMat<1, 1, double>;
 extern template class TnLaTSmallMat<2, 2, double>;
 extern template class TnLaTSmallMat<3, 3, double>;
@@ -125,3 +126,4 @@ extern template class TnLaTSmallMat<9, 9, double>;
 extern template class TnLaTSmallMat<10, 10, double>;
 extern template class TnLaTSmallMat<11, 11, double>;
 extern template class TnLaTSmallMat<12, 12, double>;
+#endif

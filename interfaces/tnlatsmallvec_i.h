@@ -103,6 +103,7 @@ TnLaTSmallVec<N, T> operator*(const double& s, const TnLaTSmallVec<N, T>& v) {
   return v * s;
 }
 
+#ifndef _WIN32  // a DLL shows no inline function of a template: there a client makes its own
 extern template class TnLaTSmallVec<1, double>;
 extern template class TnLaTSmallVec<2, double>;
 extern template class TnLaTSmallVec<3, double>;
@@ -115,3 +116,4 @@ extern template class TnLaTSmallVec<9, double>;
 extern template class TnLaTSmallVec<10, double>;
 extern template class TnLaTSmallVec<11, double>;
 extern template class TnLaTSmallVec<12, double>;
+#endif
