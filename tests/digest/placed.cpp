@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <new>
 
-// Every block of the program and of the library, at `place`.
+// Every block of the program and of the library, at `place`; not on Windows, where the operators of a
+// program are its own, and the library has others.
+#ifndef _WIN32
 
 namespace {
 constexpr std::size_t kBoundary = kPlaces * sizeof(double);
@@ -24,3 +26,5 @@ void operator delete(void* block) noexcept {
 void operator delete[](void* block) noexcept { operator delete(block); }
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
 void operator delete[](void* block, std::size_t) noexcept { operator delete(block); }
+
+#endif

@@ -6,6 +6,8 @@
 #include <limits>
 #include <new>
 
+#include "support/aligned.h"
+
 namespace {
 
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
@@ -30,13 +32,15 @@ bool must_fail() {
   return true;
 }
 
+constexpr std::size_t kUsual = alignof(std::max_align_t);
+
 // A block, or null.  Alignments beyond malloc's own take whole multiples of themselves.
 void* block_of(std::size_t size, std::size_t alignment) noexcept {
   if (size > kTooLarge || must_fail()) return nullptr;
   const std::size_t used = size == 0 ? 1 : size;
-  void* const block = alignment <= alignof(std::max_align_t)
+  void* const block = alignment <= kUsual
                           ? std::malloc(used)
-                          : std::aligned_alloc(alignment, (used + alignment - 1) / alignment * alignment);
+                          : aligned_block(alignment, (used + alignment - 1) / alignment * alignment);
   if (block == nullptr) return nullptr;
   ++n_made;
   ++n_alive;
@@ -49,13 +53,15 @@ void* block_or_throw(std::size_t size, std::size_t alignment) {
   return block;
 }
 
-void release(void* block) noexcept {
+void release(void* block, std::size_t alignment = kUsual) noexcept {
   if (block == nullptr) return;
   --n_alive;
-  std::free(block);
+  if (alignment <= kUsual) {
+    std::free(block);
+  } else {
+    release_aligned(block);
+  }
 }
-
-constexpr std::size_t kUsual = alignof(std::max_align_t);
 
 std::size_t value(std::align_val_t alignment) { return static_cast<std::size_t>(alignment); }
 
@@ -80,14 +86,18 @@ void operator delete(void* block) noexcept { release(block); }
 void operator delete[](void* block) noexcept { release(block); }
 void operator delete(void* block, std::size_t) noexcept { release(block); }
 void operator delete[](void* block, std::size_t) noexcept { release(block); }
-void operator delete(void* block, std::align_val_t) noexcept { release(block); }
-void operator delete[](void* block, std::align_val_t) noexcept { release(block); }
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept { release(block); }
-void operator delete[](void* block, std::size_t, std::align_val_t) noexcept { release(block); }
+void operator delete(void* block, std::align_val_t a) noexcept { release(block, value(a)); }
+void operator delete[](void* block, std::align_val_t a) noexcept { release(block, value(a)); }
+void operator delete(void* block, std::size_t, std::align_val_t a) noexcept { release(block, value(a)); }
+void operator delete[](void* block, std::size_t, std::align_val_t a) noexcept { release(block, value(a)); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
 void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
-void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept { release(block); }
-void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept { release(block); }
+void operator delete(void* block, std::align_val_t a, const std::nothrow_t&) noexcept {
+  release(block, value(a));
+}
+void operator delete[](void* block, std::align_val_t a, const std::nothrow_t&) noexcept {
+  release(block, value(a));
+}
 
 namespace allocation {
 
