@@ -30,7 +30,8 @@ void each(Index n, const double* x, const double* y, double* out, const Element&
   const auto vector = [&](Index i) { store(out + i, element(load(x + i), load(y + i))); };
   Index i = 0;
   if (in_vectors(x, out) && in_vectors(y, out)) {
-    for (; n >= kAligned && !is_aligned(out + i); ++i) one(i);
+    // On a processor of 32 bits a double may lie where no number of steps leads to an aligned one.
+    for (; n >= kAligned && i < kLanes && !is_aligned(out + i); ++i) one(i);
     for (; n - i >= kUnroll * kLanes; i += kUnroll * kLanes) {
       for (Index v = 0; v < kUnroll; ++v) vector(i + v * kLanes);
     }
