@@ -241,6 +241,21 @@ TEST(RankRevealingKernels, FollowTheirTwinForDegenerateColumns) {
   });
 }
 
+// The two shortest columns are orthogonal to the others, and left for the end: the last but one is at the
+// bounds of what makes a reflection.
+TEST(RankRevealingKernels, FollowTheirTwinAtTheThresholdsOfAReflection) {
+  Random random(10);
+  for (const std::size_t n : {2u, 6u, 19u}) {
+    for (const auto& entries : reference::columns_at_the_thresholds()) {
+      Matrix A(n + 1, n);
+      for (std::size_t j = 0; j + 2 < n; ++j) A(j, j) = 1.0;
+      std::copy(entries.begin(), entries.end(), A.column(n - 2) + n - 2);
+      std::fill_n(A.column(n - 1) + n - 2, 3, entries[1] * 0.1);
+      expect_follows_twin(random, A, 1e-30);
+    }
+  }
+}
+
 // Lengths that fall steeply are computed anew at nearly every step.
 TEST(RankRevealingKernels, FollowTheirTwinWhereLengthsAreRecomputed) {
   Random random(7);
