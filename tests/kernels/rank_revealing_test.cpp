@@ -277,6 +277,21 @@ TEST(RankRevealingKernels, FollowTheirTwinWhereLengthsAreRecomputed) {
   EXPECT_GT(n_trusted, 1000);
 }
 
+// Downdated, the columns 1 and 2 have lengths of k units in the last place of 1/2, beside a reference of 1:
+// a thousandth of 1000 of them is lost, of 1001 is not.  Computed anew, column 2 is the longer one.
+TEST(RankRevealingKernels, FollowTheirTwinWhereAThousandthIsJustLost) {
+  Random random(11);
+  for (const double k : {999.0, 1000.0, 1001.0}) {
+    Matrix A(3, 3);
+    A(0, 0) = 1.0;
+    A(0, 1) = A(0, 2) = 0.75;
+    A(1, 1) = std::sqrt(k * 0x1p-53);
+    A(1, 2) = std::sqrt((k + 0.4) * 0x1p-53);
+    EXPECT_EQ(RankRevealing(A, 1e-30).perm[1], k > 1000.0 ? 1u : 2u);
+    expect_follows_twin(random, A, 1e-30);
+  }
+}
+
 // Column `alone` is orthogonal to all others, whose reflections leave it alone in the midst of its vector:
 // its entries of -0.0 stay, where adding 0 * u would make +0.0 of them.
 TEST(RankRevealingKernels, ASumOfZeroInOneLaneLeavesItsColumnAlone) {
