@@ -24,19 +24,23 @@ PICTURES = ["index", "classTnLaHouseholder", "classTnLaDblMat", "mathematics", "
             "answers", "assertions", "tnla__linearsolve__i_8h"]
 
 # What a page holds once its scripts are done.
-LOOK = """(() => ({
+LOOK = """(() => {
+  const wrong = part => part && (part.type == 'merror' || (part.data ?? []).some(wrong));
+  const formulas = window.MathJax?.Hub?.getAllJax() ?? [];
+  return {
   links: [...document.querySelectorAll('a[href], area')].map(a => a.getAttribute('href') || a.getAttribute('xlink:href')),
   anchors: [...document.querySelectorAll('[id], a[name]')].flatMap(e => [e.id, e.name]),
   broken: [...document.images].filter(i => i.complete && i.naturalWidth == 0).map(i => i.src),
   formulas: document.querySelectorAll('script[type^="math/tex"]').length,
   drawn: document.querySelectorAll('.MathJax_SVG svg').length,
-  wrong: document.querySelectorAll('.MathJax_SVG [data-mjx-error], .merror, .MathJax_Error').length,
-  raw: /\\\\[([]|\\$\\$/.test(document.querySelector('.contents')?.innerText.replace(/operator\\[\\]/g, '') ?? ''),
-}))()"""
+  wrong: formulas.filter(formula => wrong(formula.root)).map(formula => formula.originalText),
+  };
+})()"""
 
 # What reaches beyond the right edge of the window, without a way to scroll to it.
 OUTSIDE = """(() => {
-  const scrolls = e => e && (['auto', 'scroll'].includes(getComputedStyle(e).overflowX) || scrolls(e.parentElement));
+  const scrolls = e => e && !e.matches('.contents') &&
+      (['auto', 'scroll'].includes(getComputedStyle(e).overflowX) || scrolls(e.parentElement));
   return [...document.querySelectorAll('.contents *')].filter(e => {
     const box = e.getBoundingClientRect();
     return box.width > 0 && box.right > innerWidth + 1 && !scrolls(e.parentElement);
@@ -152,8 +156,9 @@ def check(browser):
         browser.size(1280)
         found = browser.open(page)
         look = seen[page.name] = browser.evaluate(LOOK)
-        if look["formulas"] != look["drawn"] or look["wrong"] or look["raw"]:
-            found.append(f"{look['drawn']} of {look['formulas']} formulas drawn, {look['wrong']} wrong")
+        if look["formulas"] != look["drawn"]:
+            found.append(f"{look['drawn']} of {look['formulas']} formulas drawn")
+        found += [f"no formula: {text}" for text in look["wrong"]]
         if page.name in WITH_FORMULAS and look["drawn"] == 0:
             found.append("no formula")
         found += [f"the picture {source} does not load" for source in look["broken"]]

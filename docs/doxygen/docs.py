@@ -98,7 +98,8 @@ def undocumented():
                         described(value, f"{full}::{value.findtext('name')}", missing)
     exported = exported_names()
     missing += [f"{name}, which a module exports" for name in exported - known]
-    print(f"{len(known)} names have a text, among them all {len(exported)} that the modules export")
+    if not missing:
+        print(f"{len(known)} names have a text, among them all {len(exported)} that the modules export")
     return sorted(set(missing))
 
 
