@@ -21,7 +21,7 @@
 // M*, but not deduced from, so that nullptr can be passed as it stands.
 template <class M>
 struct TnLaTOptional {
-  using Pointer = M*;
+  using Pointer = M*;  // the pointer itself
 };
 
 // The rank-revealing solve: X = the least-squares solution of minimal length.

@@ -33,6 +33,7 @@
 
 class TnLaDblVec;
 
+// A dense matrix of any shape.
 class TNLA_API TnLaDblMat {
  public:
   // --- Construction -----------------------------------------------------------------------------------
@@ -66,6 +67,7 @@ class TNLA_API TnLaDblMat {
     return array_[j * n_rows_ + i];
   }
 
+  // The shape; a matrix is empty where one of the two is 0.
   std::size_t n_rows() const { return n_rows_; }
   std::size_t n_cols() const { return n_cols_; }
   bool empty() const { return n_rows_ * n_cols_ == 0; }
@@ -109,7 +111,7 @@ class TNLA_API TnLaDblMat {
   void swap_cols(std::size_t i, std::size_t j);
   void swap(std::size_t i, std::size_t j, bool rows);
 
-  void transpose();       // in place if square
+  void transpose();       // exchanges rows and columns; in place if square
   TnLaDblMat tr() const;  // a transposed copy
 
   // Sets the elements (i, i + offset); the others keep their values.
@@ -177,6 +179,7 @@ class TNLA_API TnLaDblMat {
   friend struct TnLaLayout;
 };
 
+// A dense vector of any dimension.
 class TNLA_API TnLaDblVec {
  public:
   // --- Construction -----------------------------------------------------------------------------------
@@ -184,6 +187,7 @@ class TNLA_API TnLaDblVec {
   // Dimension 0; does not allocate.
   TnLaDblVec();
   TnLaDblVec(const TnLaDblVec& other);
+  // The elements of `a`.
   TnLaDblVec(const TnArray<double>& a);
   // n zeros, with `value` at k if there is such an element: a scaled unit vector.  Asserted: n >= 0;
   // otherwise dimension 0.
@@ -202,6 +206,7 @@ class TNLA_API TnLaDblVec {
   double& operator()(int i) { return array_[static_cast<std::size_t>(i)]; }
   const double& operator()(int i) const { return array_[static_cast<std::size_t>(i)]; }
 
+  // The number of elements; whether there are none; the elements as an array.
   int dim() const { return static_cast<int>(array_.size()); }
   bool empty() const { return dim() == 0; }
   const TnArray<double>& array() const { return array_; }
@@ -270,6 +275,7 @@ class TNLA_API TnLaDblVec {
   friend struct TnLaLayout;
 };
 
+// s A and s x, as A * s and x * s.
 TNLA_API TnLaDblMat operator*(double s, const TnLaDblMat& A);
 TNLA_API TnLaDblVec operator*(const double& s, const TnLaDblVec& x);
 

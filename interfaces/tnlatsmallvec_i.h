@@ -22,8 +22,10 @@ class TNLA_API TnLaTSmallVec {
   static_assert(std::is_same_v<T, double>, "small vectors hold double");
 
  public:
+  // The dimension.
   static constexpr int Dim = N;
 
+  // All elements are zero.
   TnLaTSmallVec() : elements_{} {}
   TnLaTSmallVec(const TnLaTSmallVec& other) = default;
   // The first min(n, N) values; elements beyond are not written.  Asserted: n == N.
@@ -33,8 +35,10 @@ class TNLA_API TnLaTSmallVec {
 
   TnLaTSmallVec& operator=(const TnLaTSmallVec& other) = default;
 
+  // The dimension, as a dense vector tells it; never empty.
   int dim() const { return N; }
   bool empty() const { return false; }
+  // The N elements.
   double* data() { return elements_; }
   const double* data() const { return elements_; }
 
@@ -48,16 +52,19 @@ class TNLA_API TnLaTSmallVec {
     return elements_[i];
   }
 
+  // Sets all elements: to those of another vector, to N values, or to one value.
   void initialize(const TnLaTSmallVec& other) { *this = other; }
-  void initialize(const double* values) {  // reads N values
+  void initialize(const double* values) {
     for (int i = 0; i < N; ++i) elements_[i] = values[i];
   }
   void initialize(double value) { std::fill_n(elements_, N, value); }
 
+  // Element by element.
   TnLaTSmallVec operator*(const double& s) const;
   TnLaTSmallVec operator+(const TnLaTSmallVec& other) const;
   TnLaTSmallVec operator-(const TnLaTSmallVec& other) const;
   TnLaTSmallVec operator-() const;  // times -1
+  // The same in place.
   void operator*=(double s);
   void operator+=(const TnLaTSmallVec& other);
   void operator-=(const TnLaTSmallVec& other);
@@ -78,6 +85,7 @@ class TNLA_API TnLaTSmallVec {
   // A unit vector orthogonal to this one, by tnla_ortho_vec; the zero vector for N = 1.
   TnLaTSmallVec ort() const;
 
+  // Exchanges the elements.
   void swap(TnLaTSmallVec& other) {
     for (int i = 0; i < N; ++i) std::swap(elements_[i], other.elements_[i]);
   }
@@ -98,6 +106,7 @@ class TNLA_API TnLaTSmallVec {
   friend struct TnLaLayout;
 };
 
+// s x, as x * s.
 template <int N, class T>
 TnLaTSmallVec<N, T> operator*(const double& s, const TnLaTSmallVec<N, T>& v) {
   return v * s;
