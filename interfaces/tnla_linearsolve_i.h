@@ -70,7 +70,7 @@ TNLA_API bool tnla_linearsolve(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDbl
 
 // The default solve once more, for nullptr.  A literal 0, which could be the tolerance or the pointer,
 // finds these as good as the others, and is refused as ambiguous.
-template <class M, std::enable_if_t<TnLaTIsMatrix<M>::value, int> = 0>
+template <class M, std::enable_if_t<TnLaTIsMatrix<M>, int> = 0>
 bool tnla_linearsolve(  // (A, B, X, 0): write nullptr, or a tolerance above 0
     const M& A, const M& B, M& X, std::nullptr_t) {
   return tnla_linearsolve<M>(A, B, X);
@@ -83,7 +83,7 @@ inline bool tnla_linearsolve(  // (A, B, X, 0): write nullptr, or a tolerance ab
 // Refused: anything but matrices, above all a vector b, of which TnLaDblMat(b, false) makes a matrix.
 template <class M>
 inline constexpr bool TnLaTSolvable =
-    TnLaTIsMatrix<M>::value || std::is_convertible_v<const M&, const TnLaDblMat&>;
+    TnLaTIsMatrix<M> || std::is_convertible_v<const M&, const TnLaDblMat&>;
 template <class A, class B, class X, class... R,
           std::enable_if_t<!(TnLaTSolvable<A> && TnLaTSolvable<B> && TnLaTSolvable<X>), int> = 0>
 void tnla_linearsolve(const A&, const B&, X&, R...) = delete;  // pass matrices, b as TnLaDblMat(b, false)

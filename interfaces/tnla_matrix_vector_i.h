@@ -275,11 +275,11 @@ class TNLA_API TnLaDblVec {
 
 // Whether M is one of the 13 matrix types for which the decompositions and solvers exist.
 template <class M>
-struct TnLaTIsMatrix : std::false_type {};
+inline constexpr bool TnLaTIsMatrix = false;
 template <>
-struct TnLaTIsMatrix<TnLaDblMat> : std::true_type {};
+inline constexpr bool TnLaTIsMatrix<TnLaDblMat> = true;
 template <std::size_t N>
-struct TnLaTIsMatrix<TnLaTSmallMat<N, N, double>> : std::bool_constant<N >= 1 && N <= 12> {};
+inline constexpr bool TnLaTIsMatrix<TnLaTSmallMat<N, N, double>> = N >= 1 && N <= 12;
 
 TNLA_API TnLaDblMat operator*(double s, const TnLaDblMat& A);
 TNLA_API TnLaDblVec operator*(const double& s, const TnLaDblVec& x);

@@ -31,7 +31,7 @@
 // Source: Golub and Van Loan, Matrix Computations, section 5.2.
 template <class M>
 class TNLA_API TnLaTQRDecompo {
-  static_assert(TnLaTIsMatrix<M>::value, "M is TnLaDblMat or TnLaTSmallMat<N, N, double>, N = 1 to 12");
+  static_assert(TnLaTIsMatrix<M>, "M is TnLaDblMat or TnLaTSmallMat<N, N, double>, N = 1 to 12");
 
  public:
   explicit TnLaTQRDecompo(const M& A);
