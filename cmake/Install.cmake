@@ -39,3 +39,13 @@ foreach(_module tn tnla)
   configure_file(cmake/tarn${_module}.pc.in tarn${_module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/tarn${_module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
+
+# How gdb shows our types.  It looks for the script beside the module; and for a module below /usr, where a script
+# beside it would be neither trusted nor welcome, at the same path below its own folder.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(_gdb_dir ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR})
+else()
+  set(_gdb_dir ${CMAKE_INSTALL_LIBDIR})
+endif()
+set(TARNTNLA_GDB_DIR ${_gdb_dir} CACHE STRING "Where the script for gdb is installed")
+install(FILES gdb/printers.py DESTINATION ${TARNTNLA_GDB_DIR} RENAME $<TARGET_FILE_NAME:TARN::tnla>-gdb.py)

@@ -33,7 +33,8 @@ class TnAllocator {
 
 template <class T, class A = TnAllocator<T>>
 class TnArray {
-  static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
+  static_assert(std::is_trivially_copyable_v<T>,
+                "a TnArray moves its elements as bytes: use std::vector for this type");
 
  public:
   // An empty array; does not allocate.

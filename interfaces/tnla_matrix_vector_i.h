@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "tnarray_i.h"
 #include "tnjournal.h"
@@ -42,7 +43,7 @@ class TNLA_API TnLaDblMat {
   TnLaDblMat();
   TnLaDblMat(const TnLaDblMat& other);
   // `value` on the diagonal, zero elsewhere: a scaled identity, or the zero matrix for value == 0.
-  TnLaDblMat(std::size_t rows, std::size_t cols, double value);
+  TnLaDblMat(std::size_t rows, std::size_t cols, double value);  // for a literal 0 write 0.0
   // rows * cols elements from p, column by column.
   TnLaDblMat(const double* p, std::size_t rows, std::size_t cols);
   // As many whole columns of `rows` elements as `a` holds; what is left over is dropped.
@@ -75,7 +76,7 @@ class TNLA_API TnLaDblMat {
   const TnArray<double>& array() const { return array_; }
 
   // Set all elements; the shape stays.
-  void initialize(double v);
+  void initialize(double v);         // for a literal 0 write 0.0
   void initialize(const double* p);  // n_rows * n_cols values, column by column
   // The same from the front of an array.  Asserted: it is long enough; otherwise each missing element is
   // asserted too, as an array index, and becomes 0.0.
@@ -194,6 +195,8 @@ class TNLA_API TnLaDblVec {
   TnLaDblVec(int n, int k, double value);
   // n elements from p.  Asserted: n >= 0; otherwise dimension 0.
   TnLaDblVec(const double* p, int n);
+  template <class P, std::enable_if_t<std::is_arithmetic_v<P>, int> = 0>
+  TnLaDblVec(P, int) = delete;  // the first argument is a pointer to double; for none write nullptr
   ~TnLaDblVec();
 
   // Keeps its block if that suffices.
@@ -212,7 +215,7 @@ class TNLA_API TnLaDblVec {
   const TnArray<double>& array() const { return array_; }
 
   // Set all elements; the dimension stays.  The array form as for matrices.
-  void initialize(double v);
+  void initialize(double v);  // for a literal 0 write 0.0
   void initialize(const double* p);
   void initialize(const TnArray<double>& a);
 
@@ -274,6 +277,14 @@ class TNLA_API TnLaDblVec {
   friend struct TnLaAccess;
   friend struct TnLaLayout;
 };
+
+// Whether M is one of the 13 matrix types for which the decompositions and solvers exist.
+template <class M>
+inline constexpr bool TnLaTIsMatrix = false;
+template <>
+inline constexpr bool TnLaTIsMatrix<TnLaDblMat> = true;
+template <std::size_t N>
+inline constexpr bool TnLaTIsMatrix<TnLaTSmallMat<N, N, double>> = N >= 1 && N <= 12;
 
 // s A and s x, as A * s and x * s.
 TNLA_API TnLaDblMat operator*(double s, const TnLaDblMat& A);

@@ -31,6 +31,8 @@
 // Source: Golub and Van Loan, Matrix Computations, section 5.2.
 template <class M>
 class TNLA_API TnLaTQRDecompo {
+  static_assert(TnLaTIsMatrix<M>, "M is TnLaDblMat or TnLaTSmallMat<N, N, double>, N = 1 to 12");
+
  public:
   // Decomposes a copy of A.
   explicit TnLaTQRDecompo(const M& A);

@@ -18,9 +18,10 @@
 //  (3) A failed assertion names src/tnlatsmallmat.cpp, and the operation goes on as stated.
 template <std::size_t Rows, std::size_t Cols, class T>
 class TNLA_API TnLaTSmallMat {
-  static_assert(Rows == Cols, "small matrices are square");
-  static_assert(Rows >= 1 && Rows <= 12, "small matrices have 1 to 12 rows; use TnLaDblMat beyond");
-  static_assert(std::is_same_v<T, double>, "small matrices hold double");
+  static_assert(Rows == Cols, "a small matrix is square: use TnLaDblMat for other shapes");
+  static_assert(Rows >= 1 && Rows <= 12, "a small matrix has 1 to 12 rows: use TnLaDblMat for other sizes");
+  static_assert(std::is_same_v<T, double>,
+                "a small matrix holds double: write TnLaTSmallMat<N, N, double>");
 
   using Vec = TnLaTSmallVec<static_cast<int>(Rows), T>;
 

@@ -18,8 +18,8 @@
 //  (3) A failed assertion names src/tnlatsmallvec.cpp, and the operation goes on as stated.
 template <int N, class T>
 class TNLA_API TnLaTSmallVec {
-  static_assert(N >= 1 && N <= 12, "small vectors have a dimension of 1 to 12; use TnLaDblVec beyond");
-  static_assert(std::is_same_v<T, double>, "small vectors hold double");
+  static_assert(N >= 1 && N <= 12, "a small vector has 1 to 12 elements: use TnLaDblVec for other sizes");
+  static_assert(std::is_same_v<T, double>, "a small vector holds double: write TnLaTSmallVec<N, double>");
 
  public:
   // The dimension.
@@ -30,6 +30,8 @@ class TNLA_API TnLaTSmallVec {
   TnLaTSmallVec(const TnLaTSmallVec& other) = default;
   // The first min(n, N) values; elements beyond are not written.  Asserted: n == N.
   TnLaTSmallVec(const double* values, int n);
+  template <class P, std::enable_if_t<std::is_arithmetic_v<P>, int> = 0>
+  TnLaTSmallVec(P, int) = delete;  // the first argument is a pointer to double; for none write nullptr
   // The same from an array.  Asserted: a.size() == N.
   TnLaTSmallVec(const TnArray<double>& a);
 
@@ -57,7 +59,7 @@ class TNLA_API TnLaTSmallVec {
   void initialize(const double* values) {
     for (int i = 0; i < N; ++i) elements_[i] = values[i];
   }
-  void initialize(double value) { std::fill_n(elements_, N, value); }
+  void initialize(double value) { std::fill_n(elements_, N, value); }  // for a literal 0 write 0.0
 
   // Element by element.
   TnLaTSmallVec operator*(const double& s) const;
