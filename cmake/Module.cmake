@@ -20,17 +20,20 @@ function(tarn_module name header_dir)
   if(NOT PROJECT_IS_TOP_LEVEL)  # a parent's warnings skip our headers, as those of an installed package
     set_target_properties(${target} PROPERTIES SYSTEM ON)
   endif()
-  tarn_links_as_we_do(${target})
+  tarn_links_as_we_do(${target} TARN${name})
 endfunction()
 
-# How a module is linked.
-function(tarn_links_as_we_do target)
+# How a module is linked, whose symbol versions are in cmake/<module>.map.
+function(tarn_links_as_we_do target module)
   # Everything is bound when the module is loaded, and what holds addresses is read-only from then on; a stack
   # that can be executed, or code that the loader would have to patch, is an error.
   target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now LINKER:-z,noexecstack LINKER:-z,text)
   if(PROJECT_IS_TOP_LEVEL AND NOT TARN_SANITIZED)  # a sanitizer's runtime is found by the program, not by the module
     target_link_options(${target} PRIVATE LINKER:--no-undefined)
   endif()
+  set(versions ${PROJECT_SOURCE_DIR}/cmake/${module}.map)
+  target_link_options(${target} PRIVATE LINKER:--version-script,${versions})
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${versions})
   tarn_floating_point_link(${target})
 endfunction()
 
