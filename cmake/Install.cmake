@@ -1,16 +1,23 @@
 # What an install holds: the two modules, the headers in include/tarntnla, a CMake package and two
-# pkg-config files.  All of it can be moved to another prefix.
+# pkg-config files.  All of it can be moved to another prefix.  There are two components: tarntnla_runtime, what a
+# program needs to run, and tarntnla_dev, what it needs to be built, which is all that says nothing else.
 
+include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tarntnla_dev)
 set(_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TARNtnla)
 
 # A module has no path to look for the other one: the loader finds both where it finds the program's libraries.
 # So a program has to name both, also where its linker leaves out what it sees no use of.
-target_link_options(tnla INTERFACE
+target_link_options(tarntnla INTERFACE
   $<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:TARN::tn>,--pop-state>)
 
-install(TARGETS tn tnla EXPORT TARNtnlaTargets)
+foreach(_module tarntn tarntnla)
+  target_include_directories(${_module} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarntnla>)
+endforeach()
+install(TARGETS tarntn tarntnla EXPORT TARNtnlaTargets
+  LIBRARY COMPONENT tarntnla_runtime NAMELINK_COMPONENT tarntnla_dev)
 install(FILES ${TN_HEADERS} ${TNLA_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarntnla)
 install(EXPORT TARNtnlaTargets NAMESPACE TARN:: DESTINATION ${_cmake_dir})
 
