@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # What the two modules show, what they ask for, and how they are linked, as they are installed:
 #   exports  equal to <module>.exports, symbol for symbol; a second word in a line names the only compiler that has it
-#   imports  those of the other module, and what imports.allowed lists: nothing that reads a file, the
+#   imports  those of the other module, and what <module>.imports lists: nothing that reads a file, the
 #            environment or the network
 #   linking  everything bound and then read-only, no path for the loader, no stack or page to write and execute
 # usage: shape.py <folder of the modules> <GNU or Clang>; --write in its place writes the lists of exports anew
@@ -40,7 +40,7 @@ def faults(name, module, compiler, others):
     exported, expected = symbols(module, "--defined-only"), expected_exports(name, compiler)
     for text, names in ("shows", exported - expected), ("does not show", expected - exported):
         yield from (f"{text} {symbol}" for symbol in sorted(readable(names)) if names)
-    allowed = set((HERE / "imports.allowed").read_text().split())
+    allowed = set((HERE / f"{name}.imports").read_text().split())
     foreign = symbols(module, "--undefined-only") - allowed - others
     yield from (f"asks for {symbol}" for symbol in sorted(readable(foreign)) if foreign)
 
