@@ -173,7 +173,7 @@ Record undisturbed(const Operation<World>& operation) {
 
 // Whether a run is only to show what it calls, which takes no failures (tests/module/tried.py).
 inline bool nothing_is_to_fail() {
-  return std::getenv("NOTHING_IS_TO_FAIL") != nullptr;  // NOLINT(concurrency-mt-unsafe)
+  return std::getenv("NOTHING_IS_TO_FAIL") != nullptr;
 }
 
 constexpr std::size_t kMostPlaces = 2000;  // a loop that got this far would not end
