@@ -526,6 +526,13 @@ TEST(Allocation, EditingWithoutACopyLeavesTheMatrixAsItWas) {
   }
 }
 
+TEST(Allocation, ATargetOfASolveIsAsItWasResizedOrSolved) {
+  trial::expect_all_have_documented_targets(kSolvers, {&W::M});
+  for_every_dimension([]<int N>() {
+    trial::expect_all_have_documented_targets(small_operations<N>(), {&SmallWorld<N>::X});
+  });
+}
+
 // A small one needs no memory.
 TEST(Allocation, InversionLeavesALargerMatrixAsItWas) {
   const DenseWorld world;

@@ -2,7 +2,7 @@
 # What the two modules show, what they ask for, and how they are linked, as they are installed:
 #   exports  equal to <module>.exports, symbol for symbol, each of the version <module>_1; a second word in a line
 #            names the only compiler that has it
-#   imports  those of the other module, and what imports.allowed lists: nothing that reads a file, the
+#   imports  those of the other module, and what <module>.imports lists: nothing that reads a file, the
 #            environment or the network
 #   linking  everything bound and then read-only, no path for the loader, no stack or page to write and execute
 # usage: shape.py <folder of the modules> <GNU or Clang>; --write in its place writes the lists of exports anew
@@ -48,7 +48,7 @@ def faults(name, module, compiler, others):
         yield from (f"{text} {symbol}" for symbol in sorted(readable(names)) if names)
     yield from (f"shows {symbol} as version {version or 'none'}" for symbol, version
                 in versioned(module, "--defined-only") if version != f"@@{name}_1")
-    allowed = set((HERE / "imports.allowed").read_text().split())
+    allowed = set((HERE / f"{name}.imports").read_text().split())
     foreign = symbols(module, "--undefined-only") - allowed - others
     yield from (f"asks for {symbol}" for symbol in sorted(readable(foreign)) if foreign)
 
