@@ -41,11 +41,6 @@ class Record {
     return add(m.array().data(), m.array().size());
   }
   Record& add(const TnLaDblVec& v) { return add(v.dim()).add(v.array().data(), v.array().size()); }
-  template <std::size_t N>
-  Record& add(const TnLaTSmallMat<N, N, double>& m) {
-    for (std::size_t k = 0; k < N * N; ++k) add(m(k % N, k / N));
-    return *this;
-  }
   Record& add(const char* text) {
     for (; *text != '\0'; ++text) add(static_cast<double>(*text));
     return *this;
