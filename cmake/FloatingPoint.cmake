@@ -19,8 +19,18 @@ function(tarn_floating_point target)
   endif()
 endfunction()
 
-string(TOUPPER "${CMAKE_BUILD_TYPE}" _build_type)
-set(_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${_build_type}}")
-if(_flags MATCHES "-(ffast-math|Ofast|funsafe-math-optimizations|fassociative-math|freciprocal-math|ffinite-math-only|fno-signed-zeros|ffp-contract=(fast|on)|mfpmath=387|ffp-model=(fast|aggressive))")
+# A module that is linked with -ffast-math has the processor flush subnormals to zero as soon as it is loaded.
+# Only another level takes -Ofast back.
+function(tarn_floating_point_link target)
+  target_link_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-unsafe-math-optimizations> -fno-fast-math)
+  if("${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${TARN_BUILD_TYPE}}" MATCHES "-Ofast")
+    target_link_options(${target} PRIVATE -O2)
+  endif()
+endfunction()
+
+# Whoever builds the library alone is told.  A parent project may have such flags for its own targets.
+string(TOUPPER "${CMAKE_BUILD_TYPE}" TARN_BUILD_TYPE)
+set(_flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${TARN_BUILD_TYPE}}")
+if(PROJECT_IS_TOP_LEVEL AND _flags MATCHES "-(ffast-math|Ofast|funsafe-math-optimizations|fassociative-math|freciprocal-math|ffinite-math-only|fno-signed-zeros|ffp-contract=(fast|on)|mfpmath=387|ffp-model=(fast|aggressive))")
   message(FATAL_ERROR "TARNtnla promises the same bits everywhere and cannot be built with -${CMAKE_MATCH_1}.")
 endif()

@@ -1,18 +1,25 @@
 # What an install holds: the two modules, the headers in include/tarntnla, a CMake package and two
-# pkg-config files.  All of it can be moved to another prefix.
+# pkg-config files.  All of it can be moved to another prefix.  There are two components: tarntnla_runtime, what a
+# program needs to run, and tarntnla_dev, what it needs to be built, which is all that says nothing else.
 
+include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tarntnla_dev)
 set(_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TARNtnla)
 
 # A module has no path to look for the other one: the loader finds both where it finds the program's libraries.
 # So a program has to name both, also where its linker leaves out what it sees no use of.
 if(NOT WIN32)
-  target_link_options(tnla INTERFACE
+  target_link_options(tarntnla INTERFACE
     $<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:TARN::tn>,--pop-state>)
 endif()
 
-install(TARGETS tn tnla EXPORT TARNtnlaTargets)
+foreach(_module tarntn tarntnla)
+  target_include_directories(${_module} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarntnla>)
+endforeach()
+install(TARGETS tarntn tarntnla EXPORT TARNtnlaTargets
+  RUNTIME COMPONENT tarntnla_runtime LIBRARY COMPONENT tarntnla_runtime NAMELINK_COMPONENT tarntnla_dev)
 install(FILES ${TN_HEADERS} ${TNLA_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarntnla)
 install(EXPORT TARNtnlaTargets NAMESPACE TARN:: DESTINATION ${_cmake_dir})
 
@@ -41,3 +48,15 @@ foreach(_module tn tnla)
   configure_file(cmake/tarn${_module}.pc.in tarn${_module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/tarn${_module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
+
+# How gdb shows our types.  It looks for the script beside the module; and for a module below /usr, where a script
+# beside it would be neither trusted nor welcome, at the same path below its own folder.
+if(WIN32)
+  set(_gdb_dir ${CMAKE_INSTALL_BINDIR})
+elseif(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(_gdb_dir ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR})
+else()
+  set(_gdb_dir ${CMAKE_INSTALL_LIBDIR})
+endif()
+set(TARNTNLA_GDB_DIR ${_gdb_dir} CACHE STRING "Where the script for gdb is installed")
+install(FILES gdb/printers.py DESTINATION ${TARNTNLA_GDB_DIR} RENAME $<TARGET_FILE_NAME:TARN::tnla>-gdb.py)

@@ -13,11 +13,13 @@
 // check loads it anew, with one relaxed atomic load.  It may throw or end the program; every object
 // stays destructible.
 
+// What is called for a precondition that does not hold.
 using TnAssertionHandler = void (*)(const char* file, int line);
 
 // Null at start: no checks.  Written by the application, with an atomic store if other threads compute.
 TN_API extern TnAssertionHandler kit_assertion_handler;
 
+// The handler of this moment, as a check reads it.
 inline TnAssertionHandler tn_load_assertion_handler() noexcept {
 #if defined(__GNUC__)
   return __atomic_load_n(&kit_assertion_handler, __ATOMIC_RELAXED);

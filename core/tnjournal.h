@@ -9,7 +9,9 @@
 // A mark in the journal that is not text of the caller's.
 class TN_API TnToken {
  public:
+  // `text` is what the journal writes; it has to live as long as the token.
   explicit constexpr TnToken(const char* text) noexcept : text_(text) {}
+  // The text given at construction.
   const char* text() const noexcept { return text_; }
 
  private:
@@ -26,11 +28,13 @@ TN_API extern TnToken tnEndExpr;
 // that gets lost must not stop a computation.
 class TN_API TnJournal {
  public:
+  // A journal that writes to `stream`.
   explicit TnJournal(std::ostream& stream) noexcept : stream_(stream) {}
   TnJournal(const TnJournal&) = delete;
   TnJournal& operator=(const TnJournal&) = delete;
 
-  TnJournal& operator<<(const char* text);  // null writes nothing
+  // Writes a text, a number or a mark, and returns the journal.  A null text writes nothing.
+  TnJournal& operator<<(const char* text);
   TnJournal& operator<<(std::size_t value);
   TnJournal& operator<<(double value);
   TnJournal& operator<<(const TnString& text);

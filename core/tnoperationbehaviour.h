@@ -10,6 +10,7 @@ class TnString;
 // behaviour_level and hands the object to operations that ask.
 class TN_API TnOperationBehaviour {
  public:
+  // Every operation at its present level.
   TnOperationBehaviour() = default;
   TnOperationBehaviour(const TnOperationBehaviour&) = default;
   TnOperationBehaviour& operator=(const TnOperationBehaviour&) = default;

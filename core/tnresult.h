@@ -14,7 +14,13 @@ class TnString;
 // Nothing here allocates, and only error_text, which calls the package's function, can throw.
 class TN_API TnResult {
  public:
-  enum class CodeID : int { none, information, warning, error };
+  // How severe a condition is.
+  enum class CodeID : int {
+    none,         // there is no condition
+    information,  // for the user to know
+    warning,      // for the user to look into
+    error,        // something failed
+  };
 
   // Turns the number of a package into a text with static lifetime, or null where there is none.
   using Translation = const char* (*)(const TnString* const& package, int number);

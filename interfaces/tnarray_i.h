@@ -33,9 +33,11 @@ class TnAllocator {
 
 template <class T, class A = TnAllocator<T>>
 class TnArray {
-  static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
+  static_assert(std::is_trivially_copyable_v<T>,
+                "a TnArray moves its elements as bytes: use std::vector for this type");
 
  public:
+  // An empty array; does not allocate.
   TnArray() noexcept = default;
   // A copy, with the capacity that growing to other.size() gives.
   TnArray(const TnArray& other);
@@ -52,6 +54,7 @@ class TnArray {
   // else they become zero.  Asserted: n >= size(); otherwise nothing changes.
   virtual void set_capacity(std::size_t n, bool keep);
 
+  // Element i.  Asserted: i < size(); the access takes place all the same.
   T& operator[](std::size_t i) {
     TN_ASSERT("interfaces/tnarray_i.h", i < size_);
     return data_[i];
@@ -61,6 +64,7 @@ class TnArray {
     return data_[i];
   }
 
+  // The number of elements in use, and the number that the block has room for.
   std::size_t size() const noexcept { return size_; }
   std::size_t capacity() const noexcept { return capacity_; }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <type_traits>
+
 #include "tnla_export.h"
 #include "tnla_matrix_vector_i.h"
 
@@ -18,10 +21,16 @@
 //  (4) The default solve of a square system of order 12 or less works on the stack: it allocates the block
 //      of a dense X that is empty, and nothing if X has its shape already.
 
-// M*, but not deduced from, so that nullptr can be passed as it stands.
+// M*, but not deduced from, so that nullptr can be passed as it stands.  Only a matrix type has it.
 template <class M>
-struct TnLaTOptional {
-  using Pointer = M*;
+struct TnLaTOptional {};
+template <>
+struct TnLaTOptional<TnLaDblMat> {
+  using Pointer = TnLaDblMat*;  // the pointer itself
+};
+template <std::size_t N>
+struct TnLaTOptional<TnLaTSmallMat<N, N, double>> {
+  using Pointer = TnLaTSmallMat<N, N, double>*;  // the pointer itself
 };
 
 // The rank-revealing solve: X = the least-squares solution of minimal length.
@@ -40,8 +49,9 @@ struct TnLaTOptional {
 // Source: Lawson and Hanson, Solving Least Squares Problems, chapter 14 (HFTI), with an absolute
 // tolerance.
 template <class M>
-TNLA_API void tnla_linearsolve(const M& A, const M& B, M& X, double tol, int* rank = nullptr,
-                               typename TnLaTOptional<M>::Pointer null_space = nullptr);
+TNLA_API void tnla_linearsolve(  // (A, B, X, 0): write nullptr, or a tolerance above 0
+    const M& A, const M& B, M& X, double tol, int* rank = nullptr,
+    typename TnLaTOptional<M>::Pointer null_space = nullptr);
 
 // The default solve: true if the system has full rank.
 //
@@ -57,6 +67,26 @@ TNLA_API bool tnla_linearsolve(const M& A, const M& B, M& X,
 // The same, without a template.
 TNLA_API bool tnla_linearsolve(const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& X,
                                TnLaDblMat* null_space = nullptr);
+
+// The default solve once more, for nullptr.  A literal 0, which could be the tolerance or the pointer,
+// finds these as good as the others, and is refused as ambiguous.
+template <class M, std::enable_if_t<TnLaTIsMatrix<M>, int> = 0>
+bool tnla_linearsolve(  // (A, B, X, 0): write nullptr, or a tolerance above 0
+    const M& A, const M& B, M& X, std::nullptr_t) {
+  return tnla_linearsolve<M>(A, B, X);
+}
+inline bool tnla_linearsolve(  // (A, B, X, 0): write nullptr, or a tolerance above 0
+    const TnLaDblMat& A, const TnLaDblMat& B, TnLaDblMat& X, std::nullptr_t) {
+  return tnla_linearsolve(A, B, X);
+}
+
+// Refused: anything but matrices, above all a vector b, of which TnLaDblMat(b, false) makes a matrix.
+template <class M>
+inline constexpr bool TnLaTSolvable =
+    TnLaTIsMatrix<M> || std::is_convertible_v<const M&, const TnLaDblMat&>;
+template <class A, class B, class X, class... R,
+          std::enable_if_t<!(TnLaTSolvable<A> && TnLaTSolvable<B> && TnLaTSolvable<X>), int> = 0>
+void tnla_linearsolve(const A&, const B&, X&, R...) = delete;  // pass matrices, b as TnLaDblMat(b, false)
 
 // Ainv = the n x m pseudo-inverse of A, by the rank-revealing solve of A Ainv = I.  An empty A is
 // asserted and gives a 0 x 0 matrix; *rank is then left alone.

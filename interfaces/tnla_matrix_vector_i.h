@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "tnarray_i.h"
 #include "tnjournal.h"
@@ -33,6 +34,7 @@
 
 class TnLaDblVec;
 
+// A dense matrix of any shape.
 class TNLA_API TnLaDblMat {
  public:
   // --- Construction -----------------------------------------------------------------------------------
@@ -41,7 +43,7 @@ class TNLA_API TnLaDblMat {
   TnLaDblMat();
   TnLaDblMat(const TnLaDblMat& other);
   // `value` on the diagonal, zero elsewhere: a scaled identity, or the zero matrix for value == 0.
-  TnLaDblMat(std::size_t rows, std::size_t cols, double value);
+  TnLaDblMat(std::size_t rows, std::size_t cols, double value);  // for a literal 0 write 0.0
   // rows * cols elements from p, column by column.
   TnLaDblMat(const double* p, std::size_t rows, std::size_t cols);
   // As many whole columns of `rows` elements as `a` holds; what is left over is dropped.
@@ -66,6 +68,7 @@ class TNLA_API TnLaDblMat {
     return array_[j * n_rows_ + i];
   }
 
+  // The shape; a matrix is empty where one of the two is 0.
   std::size_t n_rows() const { return n_rows_; }
   std::size_t n_cols() const { return n_cols_; }
   bool empty() const { return n_rows_ * n_cols_ == 0; }
@@ -73,7 +76,7 @@ class TNLA_API TnLaDblMat {
   const TnArray<double>& array() const { return array_; }
 
   // Set all elements; the shape stays.
-  void initialize(double v);
+  void initialize(double v);         // for a literal 0 write 0.0
   void initialize(const double* p);  // n_rows * n_cols values, column by column
   // The same from the front of an array.  Asserted: it is long enough; otherwise each missing element is
   // asserted too, as an array index, and becomes 0.0.
@@ -109,7 +112,7 @@ class TNLA_API TnLaDblMat {
   void swap_cols(std::size_t i, std::size_t j);
   void swap(std::size_t i, std::size_t j, bool rows);
 
-  void transpose();       // in place if square
+  void transpose();       // exchanges rows and columns; in place if square
   TnLaDblMat tr() const;  // a transposed copy
 
   // Sets the elements (i, i + offset); the others keep their values.
@@ -177,6 +180,7 @@ class TNLA_API TnLaDblMat {
   friend struct TnLaLayout;
 };
 
+// A dense vector of any dimension.
 class TNLA_API TnLaDblVec {
  public:
   // --- Construction -----------------------------------------------------------------------------------
@@ -184,12 +188,15 @@ class TNLA_API TnLaDblVec {
   // Dimension 0; does not allocate.
   TnLaDblVec();
   TnLaDblVec(const TnLaDblVec& other);
+  // The elements of `a`.
   TnLaDblVec(const TnArray<double>& a);
   // n zeros, with `value` at k if there is such an element: a scaled unit vector.  Asserted: n >= 0;
   // otherwise dimension 0.
   TnLaDblVec(int n, int k, double value);
   // n elements from p.  Asserted: n >= 0; otherwise dimension 0.
   TnLaDblVec(const double* p, int n);
+  template <class P, std::enable_if_t<std::is_arithmetic_v<P>, int> = 0>
+  TnLaDblVec(P, int) = delete;  // the first argument is a pointer to double; for none write nullptr
   ~TnLaDblVec();
 
   // Keeps its block if that suffices.
@@ -202,12 +209,13 @@ class TNLA_API TnLaDblVec {
   double& operator()(int i) { return array_[static_cast<std::size_t>(i)]; }
   const double& operator()(int i) const { return array_[static_cast<std::size_t>(i)]; }
 
+  // The number of elements; whether there are none; the elements as an array.
   int dim() const { return static_cast<int>(array_.size()); }
   bool empty() const { return dim() == 0; }
   const TnArray<double>& array() const { return array_; }
 
   // Set all elements; the dimension stays.  The array form as for matrices.
-  void initialize(double v);
+  void initialize(double v);  // for a literal 0 write 0.0
   void initialize(const double* p);
   void initialize(const TnArray<double>& a);
 
@@ -270,6 +278,15 @@ class TNLA_API TnLaDblVec {
   friend struct TnLaLayout;
 };
 
+// Whether M is one of the 13 matrix types for which the decompositions and solvers exist.
+template <class M>
+inline constexpr bool TnLaTIsMatrix = false;
+template <>
+inline constexpr bool TnLaTIsMatrix<TnLaDblMat> = true;
+template <std::size_t N>
+inline constexpr bool TnLaTIsMatrix<TnLaTSmallMat<N, N, double>> = N >= 1 && N <= 12;
+
+// s A and s x, as A * s and x * s.
 TNLA_API TnLaDblMat operator*(double s, const TnLaDblMat& A);
 TNLA_API TnLaDblVec operator*(const double& s, const TnLaDblVec& x);
 

@@ -52,6 +52,7 @@
 // problems), for several right-hand sides.
 class TNLA_API TnLaBlkBndSolver {
  public:
+  // N, the number of blocks, NB and R.  Allocates nothing yet.
   TnLaBlkBndSolver(int unknowns, int blocks, int bandwidth, int rhs_count);
   TnLaBlkBndSolver(const TnLaBlkBndSolver&) = delete;
   TnLaBlkBndSolver& operator=(const TnLaBlkBndSolver&) = delete;

@@ -32,6 +32,7 @@
 // Source: Golub and Van Loan, Matrix Computations, section 4.2, with an absolute bound for the pivots.
 class TNLA_API TnLaCholesky {
  public:
+  // A solver for systems of order n, as yet without A and b.
   explicit TnLaCholesky(int n);
   TnLaCholesky(const TnLaCholesky&) = delete;
   TnLaCholesky& operator=(const TnLaCholesky&) = delete;

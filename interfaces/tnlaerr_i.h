@@ -16,7 +16,7 @@ class TNLA_API TnLaErr {
  public:
   // 0 to 15 are the core library's numbers.
   enum ErrorNumber : int {
-    unknown_error = -1,
+    unknown_error = -1,    // "Unknown error."
     la_error_base = 16,    // ""
     singular_matrix = 17,  // "Singular matrix found."
     singular_factor = 18,  // "Decomposition contains singular factor."

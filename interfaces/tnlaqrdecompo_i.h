@@ -31,7 +31,10 @@
 // Source: Golub and Van Loan, Matrix Computations, section 5.2.
 template <class M>
 class TNLA_API TnLaTQRDecompo {
+  static_assert(TnLaTIsMatrix<M>, "M is TnLaDblMat or TnLaTSmallMat<N, N, double>, N = 1 to 12");
+
  public:
+  // Decomposes a copy of A.
   explicit TnLaTQRDecompo(const M& A);
   TnLaTQRDecompo(const TnLaTQRDecompo&) = delete;
   TnLaTQRDecompo& operator=(const TnLaTQRDecompo&) = delete;
@@ -40,7 +43,8 @@ class TNLA_API TnLaTQRDecompo {
   // R on and above the diagonal, exact zeros below.  Valid as long as the decomposition.
   const M& R() const;
 
-  // Reflection i, in the order of application.  i < n_trafo() is asserted as an array index.
+  // Reflection i, in the order of application, and how many there are.  i < n_trafo() is asserted as an
+  // array index.
   const TnLaHouseholder& T(int i) const;
   int n_trafo() const;
 

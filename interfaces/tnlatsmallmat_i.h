@@ -18,17 +18,21 @@
 //  (3) A failed assertion names src/tnlatsmallmat.cpp, and the operation goes on as stated.
 template <std::size_t Rows, std::size_t Cols, class T>
 class TNLA_API TnLaTSmallMat {
-  static_assert(Rows == Cols, "small matrices are square");
-  static_assert(Rows >= 1 && Rows <= 12, "small matrices have 1 to 12 rows; use TnLaDblMat beyond");
-  static_assert(std::is_same_v<T, double>, "small matrices hold double");
+  static_assert(Rows == Cols, "a small matrix is square: use TnLaDblMat for other shapes");
+  static_assert(Rows >= 1 && Rows <= 12, "a small matrix has 1 to 12 rows: use TnLaDblMat for other sizes");
+  static_assert(std::is_same_v<T, double>,
+                "a small matrix holds double: write TnLaTSmallMat<N, N, double>");
 
   using Vec = TnLaTSmallVec<static_cast<int>(Rows), T>;
 
  public:
+  // The dimension of the vectors that the matrix takes and of those that it gives; the number of
+  // elements.
   static constexpr std::size_t DimIn = Cols;
   static constexpr std::size_t DimOut = Rows;
   static constexpr std::size_t size = Rows * Cols;
 
+  // All elements are zero.
   TnLaTSmallMat() : elements_{} {}
   TnLaTSmallMat(const TnLaTSmallMat& other) = default;
   // value * I (for -0.0 the zero matrix, as in the dense type).  Asserted, in one check: rows == N and cols
@@ -42,6 +46,7 @@ class TNLA_API TnLaTSmallMat {
     return *this;
   }
 
+  // The shape, as a dense matrix tells it; never empty.
   std::size_t n_rows() const { return Rows; }
   std::size_t n_cols() const { return Cols; }
   bool empty() const { return false; }
@@ -58,11 +63,15 @@ class TNLA_API TnLaTSmallMat {
     return elements_[i + j * Rows];
   }
 
+  // Element by element.
   TnLaTSmallMat operator*(double s) const;
+  // A x, every sum with one accumulator that starts from +0.0 and takes its terms in ascending order.
   Vec operator*(const Vec& x) const;
+  // Element by element.
   TnLaTSmallMat operator+(const TnLaTSmallMat& other) const;
   TnLaTSmallMat operator-(const TnLaTSmallMat& other) const;
   TnLaTSmallMat operator-() const;  // times -1
+  // The same in place.
   void operator*=(double s);
   void operator+=(const TnLaTSmallMat& other);
   void operator-=(const TnLaTSmallMat& other);
@@ -108,6 +117,7 @@ class TNLA_API TnLaTSmallMat {
   friend struct TnLaLayout;
 };
 
+// s A, as A * s.
 template <std::size_t Rows, std::size_t Cols, class T>
 TnLaTSmallMat<Rows, Cols, T> operator*(const double& s, const TnLaTSmallMat<Rows, Cols, T>& m) {
   return m * s;

@@ -18,23 +18,29 @@
 //  (3) A failed assertion names src/tnlatsmallvec.cpp, and the operation goes on as stated.
 template <int N, class T>
 class TNLA_API TnLaTSmallVec {
-  static_assert(N >= 1 && N <= 12, "small vectors have a dimension of 1 to 12; use TnLaDblVec beyond");
-  static_assert(std::is_same_v<T, double>, "small vectors hold double");
+  static_assert(N >= 1 && N <= 12, "a small vector has 1 to 12 elements: use TnLaDblVec for other sizes");
+  static_assert(std::is_same_v<T, double>, "a small vector holds double: write TnLaTSmallVec<N, double>");
 
  public:
+  // The dimension.
   static constexpr int Dim = N;
 
+  // All elements are zero.
   TnLaTSmallVec() : elements_{} {}
   TnLaTSmallVec(const TnLaTSmallVec& other) = default;
   // The first min(n, N) values; elements beyond are not written.  Asserted: n == N.
   TnLaTSmallVec(const double* values, int n);
+  template <class P, std::enable_if_t<std::is_arithmetic_v<P>, int> = 0>
+  TnLaTSmallVec(P, int) = delete;  // the first argument is a pointer to double; for none write nullptr
   // The same from an array.  Asserted: a.size() == N.
   TnLaTSmallVec(const TnArray<double>& a);
 
   TnLaTSmallVec& operator=(const TnLaTSmallVec& other) = default;
 
+  // The dimension, as a dense vector tells it; never empty.
   int dim() const { return N; }
   bool empty() const { return false; }
+  // The N elements.
   double* data() { return elements_; }
   const double* data() const { return elements_; }
 
@@ -48,16 +54,19 @@ class TNLA_API TnLaTSmallVec {
     return elements_[i];
   }
 
+  // Sets all elements: to those of another vector, to N values, or to one value.
   void initialize(const TnLaTSmallVec& other) { *this = other; }
-  void initialize(const double* values) {  // reads N values
+  void initialize(const double* values) {
     for (int i = 0; i < N; ++i) elements_[i] = values[i];
   }
-  void initialize(double value) { std::fill_n(elements_, N, value); }
+  void initialize(double value) { std::fill_n(elements_, N, value); }  // for a literal 0 write 0.0
 
+  // Element by element.
   TnLaTSmallVec operator*(const double& s) const;
   TnLaTSmallVec operator+(const TnLaTSmallVec& other) const;
   TnLaTSmallVec operator-(const TnLaTSmallVec& other) const;
   TnLaTSmallVec operator-() const;  // times -1
+  // The same in place.
   void operator*=(double s);
   void operator+=(const TnLaTSmallVec& other);
   void operator-=(const TnLaTSmallVec& other);
@@ -78,6 +87,7 @@ class TNLA_API TnLaTSmallVec {
   // A unit vector orthogonal to this one, by tnla_ortho_vec; the zero vector for N = 1.
   TnLaTSmallVec ort() const;
 
+  // Exchanges the elements.
   void swap(TnLaTSmallVec& other) {
     for (int i = 0; i < N; ++i) std::swap(elements_[i], other.elements_[i]);
   }
@@ -98,6 +108,7 @@ class TNLA_API TnLaTSmallVec {
   friend struct TnLaLayout;
 };
 
+// s x, as x * s.
 template <int N, class T>
 TnLaTSmallVec<N, T> operator*(const double& s, const TnLaTSmallVec<N, T>& v) {
   return v * s;

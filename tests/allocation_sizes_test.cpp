@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <new>
-#include <string>
 #include <vector>
 
-#include "support/allocation.h"
 #include "support/band_problem.h"
 #include "support/solver_world.h"
 #include "support/trial.h"
@@ -139,6 +136,7 @@ const Operations<N>& operations() {
       {"solve", [](W& w) { w.keep(tnla_linearsolve(w.A, w.B, w.X, &w.Z)); }},
       {"solve for many right sides", [](W& w) { w.keep(tnla_linearsolve(w.A, w.wide, w.X)); }},
       {"solve in place", [](W& w) { w.keep(tnla_linearsolve(w.M, w.A, w.M)); }},
+      {"solve in place for many right sides", [](W& w) { w.keep(tnla_linearsolve(w.M, w.wide, w.M)); }},
       {"solve least squares", [](W& w) { w.keep(tnla_linearsolve(w.tall, w.tall_B, w.X)); }},
       {"solve of rank 1", [](W& w) { w.keep(tnla_linearsolve(w.flat, w.B, w.X)); }},
       {"solve, more columns", [](W& w) { w.keep(tnla_linearsolve(w.wide, w.B, w.X, &w.Z)); }},
@@ -147,6 +145,8 @@ const Operations<N>& operations() {
       {"solve by rank, rank 1", [](W& w) { tnla_linearsolve(w.flat, w.A, w.X, 1e-9, &w.rank, &w.Z); }},
       {"solve by rank in place", [](W& w) { tnla_linearsolve(w.M, w.A, w.M, 1e-9, &w.rank, &w.Z); }},
       {"inverse", [](W& w) { w.keep(tnla_inverse(w.A, w.X)); }},
+      {"inverse in place", [](W& w) { w.keep(tnla_inverse(w.M, w.M)); }},
+      {"inverse by rank in place", [](W& w) { tnla_inverse(w.M, w.M, 1e-9, &w.rank); }},
       {"inverse by rank", [](W& w) { tnla_inverse(w.flat, w.X, 1e-9, &w.rank); }},
       {"invert", [](W& w) { w.M.invert(), w.X = w.flat.inv(); }},
       {"determinant", [](W& w) { w.keep(w.A.det()), w.keep(w.flat.det()); }},
@@ -170,37 +170,6 @@ const Operations<N>& operations() {
       {"closed band, structured solve", [](W& w) { w.keep(w.closed_long.solve(w.X)); }},
   };
   return all;
-}
-
-// X as it was, resized, or solved: nothing else may be in it after a failure.
-template <int N>
-void expect_documented_target(const trial::Operation<SizedWorld<N>>& solve) {
-  SCOPED_TRACE(solve.name);
-  using W = SizedWorld<N>;
-  const trial::Record before = trial::Record().add(W().X);
-  W done;
-  solve.run(done);
-  const trial::Record solved = trial::Record().add(done.X);
-  TnLaDblMat shaped = W().X;
-  shaped.resize(done.X.n_rows(), done.X.n_cols(), true);
-  const trial::Record resized = trial::Record().add(shaped);
-  for (const bool for_good : {false, true}) {
-    bool failed = true;
-    for (std::size_t k = 0; failed; ++k) {
-      W w;
-      failed = false;
-      {
-        const allocation::Failing failing(k, for_good);
-        try {
-          solve.run(w);
-        } catch (const std::bad_alloc&) {
-          failed = true;
-        }
-      }
-      const trial::Record now = trial::Record().add(w.X);
-      EXPECT_TRUE(now.is(before) || now.is(resized) || now.is(solved)) << "allocation " << k;
-    }
-  }
 }
 
 // Calls f.template operator()<N>() for orders around the smallest systems (12), around what fits the stack
@@ -227,10 +196,7 @@ TEST(AllocationSizes, FailuresPassThroughAtEverySize) {
 TEST(AllocationSizes, ATargetOfASolveIsAsItWasResizedOrSolved) {
   for_every_size([]<int N>() {
     SCOPED_TRACE(N);
-    for (const auto& operation : operations<N>()) {
-      if (operation.name.starts_with("solve") && operation.name.find("in place") == std::string::npos) {
-        expect_documented_target(operation);
-      }
-    }
+    using W = SizedWorld<N>;
+    trial::expect_all_have_documented_targets(operations<N>(), {&W::X, &W::M});
   });
 }

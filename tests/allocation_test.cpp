@@ -526,6 +526,11 @@ TEST(Allocation, EditingWithoutACopyLeavesTheMatrixAsItWas) {
   }
 }
 
+// No solve of the small types makes an allocation that could fail.
+TEST(Allocation, ATargetOfASolveIsAsItWasResizedOrSolved) {
+  trial::expect_all_have_documented_targets(kSolvers, {&W::M});
+}
+
 // A small one needs no memory.
 TEST(Allocation, InversionLeavesALargerMatrixAsItWas) {
   const DenseWorld world;

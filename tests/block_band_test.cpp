@@ -302,6 +302,19 @@ TEST(BlockBand, ADiagonalElementEqualToTheBoundPasses) {
   }
 }
 
+// The second equation of the last block, which begins at the unknown before its own.
+TEST(BlockBand, ADiagonalElementEqualToTheBoundPassesBehindTheFront) {
+  for (const double sign : {1.0, -1.0}) {
+    const auto solves = [sign](double element) {
+      BandProblem p = band_problem({2, 2, 1}, 2);
+      p.blocks = {{0, Matrix(2, 3, {1, 0, 0, sign * element, 1, 1})}};  // no sum of products but 0
+      return expect_follows_reference(p);
+    };
+    EXPECT_TRUE(solves(1e-10));
+    EXPECT_FALSE(solves(ulp_below(1e-10)));
+  }
+}
+
 TEST(BlockBand, AFailureLeavesWhatHasBeenWritten) {
   const BandProblem p = diagonal_problem(1, 2, {0.5, 0.0, 0.25, 0.5});
   const BandAnswer answer = answer_of(p);

@@ -147,6 +147,23 @@ void work_on_special_solvers(Random& random, Outcome& out) {
   }
 }
 
+// Beyond the sizes from which a product is packed, a QR has several panels, and the slabs of a Cholesky
+// factor are narrow ones.
+void work_on_blocks(Random& random, Outcome& out) {
+  const TnLaDblMat A = matrix(random, 47, 45);
+  const TnLaDblMat B = matrix(random, 47, 6);
+  TnLaDblMat X;
+  out.add(A.tr() * B);
+  out.add(tnla_linearsolve(A, B, X));
+  out.add(X);
+  constexpr int n = 130;
+  const TnLaDblMat R = matrix(random, n, n);
+  TnLaCholesky cholesky(n);
+  cholesky.a((R + R.tr() + TnLaDblMat(n, n, 2.5 * n)).array());  // positive definite
+  cholesky.b(vector(random, n).array());
+  out.add(cholesky.x());
+}
+
 void work_on_kernels(Random& random, Outcome& out) {
   std::vector<double> u = random.vector(11);
   const std::vector<double> w = random.vector(11);
@@ -246,6 +263,7 @@ Outcome work(std::uint64_t seed) {
   work_on_dense(random, out);
   work_on_solvers(random, out);
   work_on_special_solvers(random, out);
+  work_on_blocks(random, out);
   work_on_kernels(random, out);
   work_on_small<1>(random, out);
   work_on_small<2>(random, out);

@@ -21,7 +21,12 @@ bool in_vectors(const double* x, const double* out) {
   return behind - 1 >= sizeof(Lanes) - 1;
 }
 
-bool is_aligned(const double* p) { return reinterpret_cast<std::uintptr_t>(p) % sizeof(Lanes) == 0; }
+// How many elements come before the first aligned one.  On a processor of 32 bits, where a double may lie
+// between two multiples of 8, there may be none; then before the one that comes closest.
+Index before_aligned(const double* p) {
+  const auto past = static_cast<Index>(reinterpret_cast<std::uintptr_t>(p) / sizeof(double)) % kLanes;
+  return (kLanes - past) % kLanes;
+}
 
 // out[i] = element(x[i], y[i]), where element takes two numbers or two vectors.
 template <class Element>
@@ -30,7 +35,8 @@ void each(Index n, const double* x, const double* y, double* out, const Element&
   const auto vector = [&](Index i) { store(out + i, element(load(x + i), load(y + i))); };
   Index i = 0;
   if (in_vectors(x, out) && in_vectors(y, out)) {
-    for (; n >= kAligned && !is_aligned(out + i); ++i) one(i);
+    const Index first = n >= kAligned ? before_aligned(out) : 0;
+    for (; i < first; ++i) one(i);
     for (; n - i >= kUnroll * kLanes; i += kUnroll * kLanes) {
       for (Index v = 0; v < kUnroll; ++v) vector(i + v * kLanes);
     }

@@ -107,7 +107,7 @@ std::size_t definite_systems() {
             Ratios ratios;
             const bool is_definite = type.rank(shape.m, shape.n) == shape.n;
             ratios[kSolve] = solve_ratio(A, B, by_cholesky(is_definite ? upper_half(A) : A, B));
-            tally.add(type.name, shape.n, ratios);
+            tally.add(type.name, A, ratios, {kSolve});
           });
   return tally.close();
 }

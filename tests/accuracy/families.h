@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,10 +58,11 @@ struct Type {
   };
 };
 
-// How many matrices of a type and size: the large ones take the time.
+// How many matrices of a type and size: the large ones take the time, but each number of right-hand sides
+// has one.
 inline std::size_t n_samples(std::size_t size, std::size_t n_small) {
   const std::size_t part = size < 5 ? 1 : size < 50 ? 2 : 30;
-  return std::max<std::size_t>(1, n_small / part / ACCURACY_SHARE);
+  return std::max<std::size_t>(1, std::max(std::size(kRightSides), n_small / part) / ACCURACY_SHARE);
 }
 
 struct Shape {
@@ -105,5 +107,5 @@ void for_all(const std::vector<AnyType>& types, const std::vector<Shape>& shapes
 }
 
 inline Matrix random_solution(Random& random, std::size_t n, std::size_t sample) {
-  return random_matrix(random, n, kRightSides[sample % 3]);
+  return random_matrix(random, n, kRightSides[sample % std::size(kRightSides)]);
 }

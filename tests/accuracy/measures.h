@@ -53,8 +53,11 @@ inline double inverse_ratio(const Matrix& A, const Matrix& inverse) {
 }
 
 // Z is the basis of the null space, 0 x 0 if A has none.
-inline void measure_null_space(const Matrix& A, const Matrix& Z, const Matrix& X, Ratios& ratios) {
-  if (Z.n == 0) return;
+inline void measure_null_space(const Matrix& A, std::size_t rank, const Matrix& Z, const Matrix& X,
+                               Ratios& ratios) {
+  EXPECT_EQ(Z.m, rank == A.n ? 0 : A.n);
+  EXPECT_EQ(Z.n, A.n - rank);
+  if (Z.m != A.n || Z.n == 0) return;
   const long double n = count(A.n);
   ratios[kNull] = ratio(one_norm(minus_product(Matrix(A.m, Z.n), A, Z)), n * one_norm(A) * kUnit);
   ratios[kBasis] = orthogonality(Z);

@@ -16,7 +16,7 @@ void measure_full_rank(const Matrix& A, const Matrix& X0, const Matrix& apart, R
   TnLaDblMat Z;
   EXPECT_TRUE(tnla_linearsolve(dense(A), dense(B), X, &Z));
   ratios[kSolve] = solve_ratio(A, B, plain(X));
-  measure_null_space(A, plain(Z), plain(X), ratios);
+  measure_null_space(A, std::min(A.m, A.n), plain(Z), plain(X), ratios);
   if (A.m <= A.n) return;
   EXPECT_TRUE(tnla_linearsolve(dense(A), dense(apart), X));
   ratios[kNormal] = normal_ratio(A, apart, plain(X));
@@ -28,7 +28,7 @@ void measure_deficient(const Matrix& A, const Matrix& X0, const Matrix& apart, s
   const double tol = tolerance_for(A);
   const Revealed answer = revealed(A, B, tol, rank);
   ratios[kSolve] = solve_ratio(A, B, answer.X);
-  measure_null_space(A, answer.null_space, answer.X, ratios);
+  measure_null_space(A, rank, answer.null_space, answer.X, ratios);
   ratios[kNormal] = normal_ratio(A, apart, revealed(A, apart, tol, rank).X);
 }
 
@@ -62,15 +62,16 @@ std::vector<Type> deficient_types() {
 std::size_t rectangular_systems() {
   constexpr std::size_t kSmall = 120;
   Tally tally("more rows or more columns");
-  for_all(regular_types(), rectangular_shapes(), kSmall,
-          [&](const Type& type, Shape shape, Random& random, std::size_t sample) {
-            const Matrix A = type.make(random, shape.m, shape.n);
-            const Matrix X0 = random_solution(random, shape.n, sample);
-            Ratios ratios;
-            measure_factors(A, ratios);
-            measure_full_rank(A, X0, random_solution(random, shape.m, sample), ratios);
-            tally.add(type.name, shape.m, ratios);
-          });
+  for_all(
+      regular_types(), rectangular_shapes(), kSmall,
+      [&](const Type& type, Shape shape, Random& random, std::size_t sample) {
+        const Matrix A = type.make(random, shape.m, shape.n);
+        const Matrix X0 = random_solution(random, shape.n, sample);
+        Ratios ratios;
+        measure_factors(A, ratios);
+        measure_full_rank(A, X0, random_solution(random, shape.m, sample), ratios);
+        tally.add(type.name, A, ratios, {kFactor, kOrthogonal, kSolve, kNormal, kNull, kBasis, kMinimal});
+      });
   return tally.close();
 }
 
@@ -86,7 +87,7 @@ std::size_t deficient_systems() {
             Ratios ratios;
             measure_deficient(A, X0, random_solution(random, shape.m, sample), type.rank(shape.m, shape.n),
                               ratios);
-            tally.add(type.name, shape.m, ratios);
+            tally.add(type.name, A, ratios, {kSolve, kNormal, kNull, kBasis, kMinimal});
           });
   return tally.close();
 }

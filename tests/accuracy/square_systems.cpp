@@ -44,7 +44,7 @@ void measure_singular(const Matrix& A, const Matrix& X0, std::size_t rank, Ratio
   EXPECT_FALSE(tnla_linearsolve(dense(A), dense(B), X));
   const Revealed answer = revealed(A, B, kShortest, rank);
   ratios[kSolve] = solve_ratio(A, B, answer.X);
-  measure_null_space(A, answer.null_space, answer.X, ratios);
+  measure_null_space(A, rank, answer.null_space, answer.X, ratios);
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ std::size_t square_systems() {
             Ratios ratios;
             measure_factors(A, ratios);
             measure_square(A, random_solution(random, shape.n, sample), ratios);
-            tally.add(type.name, shape.n, ratios);
+            tally.add(type.name, A, ratios, {kFactor, kOrthogonal, kSolve, kForward, kInverse});
           });
   for_all(singular_types(), square_shapes(), kSmall,
           [&](const Type& type, Shape shape, Random& random, std::size_t sample) {
@@ -69,7 +69,7 @@ std::size_t square_systems() {
             measure_factors(A, ratios);
             measure_singular(A, random_solution(random, shape.n, sample), type.rank(shape.m, shape.n),
                              ratios);
-            tally.add(type.name, shape.n, ratios);
+            tally.add(type.name, A, ratios, {kFactor, kOrthogonal, kSolve, kNull, kBasis, kMinimal});
           });
   return tally.close();
 }

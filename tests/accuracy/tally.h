@@ -2,12 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "accuracy/wide.h"
 
 // The ratios that are measured, the limits that they are held to, and the worst of each type of matrix.
 //
@@ -30,16 +35,23 @@ enum Ratio {
   kRatios
 };
 
+// The n of a ratio of an m x n matrix: the one that its unit counts, but for the right-hand sides.
+enum class Order { rows, columns, larger };
+
 struct RatioLimit {
   const char* name;
-  double small;  // for matrices of up to 4 rows, which Q has, too
+  Order order;
+  double small;  // for an n of up to 4
   double large;  // from 5 on
 };
 
 constexpr RatioLimit kLimits[kRatios] = {
-    {"factor", 15, 8},  {"orthog.", 15, 8}, {"solve", 15, 8},  {"forward", 15, 8},
-    {"inverse", 15, 8}, {"normal", 15, 8},  {"null", 15, 8},   {"basis", 15, 8},
-    {"minimal", 15, 8}, {"eigen", 5, 5},    {"vectors", 6, 6}, {"values", 5, 5},
+    {"factor", Order::larger, 15, 8},   {"orthog.", Order::rows, 15, 8},
+    {"solve", Order::larger, 15, 8},    {"forward", Order::columns, 15, 8},
+    {"inverse", Order::columns, 15, 8}, {"normal", Order::larger, 15, 8},
+    {"null", Order::columns, 15, 8},    {"basis", Order::columns, 15, 8},
+    {"minimal", Order::columns, 15, 8}, {"eigen", Order::columns, 5, 5},
+    {"vectors", Order::columns, 6, 6},  {"values", Order::columns, 5, 5},
 };
 
 constexpr std::size_t kFirstLarge = 5;
@@ -51,12 +63,9 @@ class Ratios {
   double& operator[](Ratio r) { return values_[r]; }
   double operator[](Ratio r) const { return values_[r]; }
 
-  // Keeps the worse of each; a NaN is the worst.
-  void worsen(const Ratios& other) {
-    for (std::size_t r = 0; r < kRatios; ++r) {
-      if (std::isnan(values_[r])) continue;
-      if (!(other.values_[r] <= values_[r])) values_[r] = other.values_[r];
-    }
+  // Keeps the worse; a NaN is the worst.
+  void worsen(Ratio r, double other) {
+    if (!std::isnan(values_[r]) && !(other <= values_[r])) values_[r] = other;
   }
 
  private:
@@ -64,17 +73,23 @@ class Ratios {
 };
 
 // One row a type, in the order of their first matrices, and in it the worst of the small sizes and that of
-// the large ones.
+// the large ones.  A matrix counts where its larger side belongs, and each ratio where its own n does: the
+// Q of a 3 x 50 matrix is small.
 class Tally {
  public:
   explicit Tally(std::string title) : title_(std::move(title)) {}
 
-  void add(const std::string& type, std::size_t size, const Ratios& ratios) {
-    if (rows_.empty() || rows_.back().type != type) rows_.push_back({type, {}, {}});
-    Part& part = size < kFirstLarge ? rows_.back().small : rows_.back().large;
-    ++part.n_matrices;
-    part.worst.worsen(ratios);
-    all_.worsen(ratios);
+  // `measured`: what both parts of the type's row must have in the end.
+  void add(const std::string& type, const Matrix& A, const Ratios& ratios,
+           std::initializer_list<Ratio> measured) {
+    if (rows_.empty() || rows_.back().type != type) rows_.push_back({type, {}, {}, measured});
+    Row& row = rows_.back();
+    ++part_of(row, A, Order::larger).n_matrices;
+    for (std::size_t r = 0; r < kRatios; ++r) {
+      const Ratio which = static_cast<Ratio>(r);
+      part_of(row, A, kLimits[r].order).worst.worsen(which, ratios[which]);
+      all_.worsen(which, ratios[which]);
+    }
   }
 
   // Prints the table, holds it to the limits, and returns the number of matrices.
@@ -91,6 +106,10 @@ class Tally {
         EXPECT_TRUE(row.large.worst[which] <= kLimits[r].large)
             << kLimits[r].name << " of " << row.type << ", n >= 5: " << row.large.worst[which];
       }
+      for (const Ratio which : row.measured) {
+        EXPECT_TRUE(row.small.worst[which] != -1.0 && row.large.worst[which] != -1.0)
+            << kLimits[which].name << " of " << row.type << " was never measured";
+      }
       n += row.small.n_matrices + row.large.n_matrices;
     }
     std::printf("%zu matrices\n", n);
@@ -106,7 +125,13 @@ class Tally {
     std::string type;
     Part small;
     Part large;
+    std::vector<Ratio> measured;
   };
+
+  static Part& part_of(Row& row, const Matrix& A, Order order) {
+    const std::size_t n = order == Order::rows ? A.m : order == Order::columns ? A.n : std::max(A.m, A.n);
+    return n < kFirstLarge ? row.small : row.large;
+  }
 
   bool is_measured(std::size_t r) const { return all_[static_cast<Ratio>(r)] != -1.0; }
 

@@ -5,11 +5,13 @@
 //     digest > tests/digest/expected.txt
 // The first percent has all but the rarest operations, ten percent have every size from 0 to 64, 100 and
 // 183, and the last round of all has the largest sizes.
+#include <algorithm>
 #include <cfenv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
@@ -167,7 +169,11 @@ Options options_from(int n_args, char** args) {
     };
     const auto number = [&] { return static_cast<std::size_t>(std::atoi(value().c_str())); };
     if (name == "--percent") {
-      options.percent = number();
+      options.percent = number();  // expected.txt has no others
+      if (std::find(std::begin(kCheckpoints), std::end(kCheckpoints), options.percent) ==
+          std::end(kCheckpoints)) {
+        show_usage();
+      }
     } else if (name == "--threads") {
       options.n_threads = number();
     } else if (name == "--place") {

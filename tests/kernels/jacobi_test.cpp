@@ -231,6 +231,21 @@ TEST(JacobiKernels, ConvergeSlowly) {
   EXPECT_GT(most_sweeps, 15);
 }
 
+// A hundred times the element is half a unit in the last place of the difference on the diagonal, which is
+// just lost beside it, or a little more, which is not.
+TEST(JacobiKernels, TurnWhereAHundredfoldIsJustLost) {
+  const double half_unit = 0x1p-53;
+  const double lost = half_unit / 100;
+  const double not_lost = ulp_above(ulp_above(lost));
+  ASSERT_EQ(100 * lost, half_unit);
+  ASSERT_GT(100 * not_lost, half_unit);
+  for (int k = 0; k < 40; ++k) {
+    for (const double element : {lost, not_lost}) {
+      expect_diagonalizes_in_every_set({2, 2, {0.0, 0.0, element, 1.0 + 4 * k * half_unit}});
+    }
+  }
+}
+
 // The last three rows hold some units in the last place of zero, where rounding undoes what a rotation
 // does, for ever.
 TEST(JacobiKernels, EndAfterFiftySweeps) {

@@ -183,6 +183,23 @@ TEST(QrKernels, FactorColumnsWithoutAReflection) {
   }
 }
 
+// Each column in turn, which the ones before it do not touch, at the bounds of `make` and of
+// reflection_scale.
+TEST(QrKernels, FactorColumnsAtTheThresholds) {
+  Random random(8);
+  for (const std::size_t n : {3u, 13u, 46u}) {
+    for (const auto& entries : reference::columns_at_the_thresholds()) {
+      for (std::size_t j = 0; j < n; j += 1 + random.below(n / 3)) {
+        Matrix A = uniform(random, n + 1, n);
+        for (std::size_t k = 0; k <= j; ++k) std::fill_n(A.column(k), A.m, 0.0);
+        for (std::size_t k = 0; k < j; ++k) A(k, k) = 1.0;
+        std::copy(entries.begin(), entries.end(), A.column(j) + j);
+        expect_factored_by_all(A, n);
+      }
+    }
+  }
+}
+
 // Columns that the earlier reflections do not touch: they begin with zeros where those have their entries.
 TEST(QrKernels, FactorBlockDiagonals) {
   Random random(5);

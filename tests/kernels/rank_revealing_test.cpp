@@ -241,6 +241,21 @@ TEST(RankRevealingKernels, FollowTheirTwinForDegenerateColumns) {
   });
 }
 
+// The two shortest columns are orthogonal to the others, and left for the end: the last but one is at the
+// bounds of what makes a reflection.
+TEST(RankRevealingKernels, FollowTheirTwinAtTheThresholdsOfAReflection) {
+  Random random(10);
+  for (const std::size_t n : {2u, 6u, 19u}) {
+    for (const auto& entries : reference::columns_at_the_thresholds()) {
+      Matrix A(n + 1, n);
+      for (std::size_t j = 0; j + 2 < n; ++j) A(j, j) = 1.0;
+      std::copy(entries.begin(), entries.end(), A.column(n - 2) + n - 2);
+      std::fill_n(A.column(n - 1) + n - 2, 3, entries[1] * 0.1);
+      expect_follows_twin(random, A, 1e-30);
+    }
+  }
+}
+
 // Lengths that fall steeply are computed anew at nearly every step.
 TEST(RankRevealingKernels, FollowTheirTwinWhereLengthsAreRecomputed) {
   Random random(7);
@@ -260,6 +275,21 @@ TEST(RankRevealingKernels, FollowTheirTwinWhereLengthsAreRecomputed) {
   });
   EXPECT_GT(n_recomputed, 1000);
   EXPECT_GT(n_trusted, 1000);
+}
+
+// Downdated, the columns 1 and 2 have lengths of k units in the last place of 1/2, beside a reference of 1:
+// a thousandth of 1000 of them is lost, of 1001 is not.  Computed anew, column 2 is the longer one.
+TEST(RankRevealingKernels, FollowTheirTwinWhereAThousandthIsJustLost) {
+  Random random(11);
+  for (const double k : {999.0, 1000.0, 1001.0}) {
+    Matrix A(3, 3);
+    A(0, 0) = 1.0;
+    A(0, 1) = A(0, 2) = 0.75;
+    A(1, 1) = std::sqrt(k * 0x1p-53);
+    A(1, 2) = std::sqrt((k + 0.4) * 0x1p-53);
+    EXPECT_EQ(RankRevealing(A, 1e-30).perm[1], k > 1000.0 ? 1u : 2u);
+    expect_follows_twin(random, A, 1e-30);
+  }
 }
 
 // Column `alone` is orthogonal to all others, whose reflections leave it alone in the midst of its vector:

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -156,6 +157,24 @@ TEST(SmallQr, TakesTheThresholdOfATinyColumn) {
       A(n - 1, 0) = entry;
       A(0, 0) = entry;
       expect_solve(set, A, reference::identity(n));
+    }
+  });
+}
+
+// The product of s and up is exactly the bound, or next to it.  The other columns are short enough for full
+// rank.
+TEST(SmallQr, TakesTheThresholdOfTheScale) {
+  for_every_order([](const KernelSet& set, std::size_t n) {
+    Random random(n);
+    for (const auto& entries : reference::columns_at_the_thresholds()) {
+      for (std::size_t j = 0; j + 1 < n; ++j) {
+        Matrix A = random_matrix(random, n, n);
+        for (double& x : A.a) x *= 1e-5;
+        for (std::size_t k = 0; k <= j; ++k) std::fill_n(A.column(k), n, 0.0);
+        for (std::size_t k = 0; k < j; ++k) A(k, k) = 1e-5;
+        std::copy(entries.begin(), entries.end(), A.column(j) + j);
+        expect_solve(set, A, random_matrix(random, n, 4));
+      }
     }
   });
 }

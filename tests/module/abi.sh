@@ -10,7 +10,7 @@ build=$root/build/abi
 
 mkdir -p "$root/build"
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=g++-12 -DCMAKE_BUILD_TYPE=Debug \
-  -DCMAKE_CXX_FLAGS="-ffile-prefix-map=$root=." -DTARNTNLA_BUILD_TESTS=OFF -DTNLA_WITH_AVX2=OFF >"$build.log"
+  -DCMAKE_CXX_FLAGS="-ffile-prefix-map=$root=." -DTARNTNLA_BUILD_TESTS=OFF -DTARNTNLA_WITH_AVX2=OFF >"$build.log"
 cmake --build "$build" >>"$build.log" || { cat "$build.log"; exit 1; }
 
 failed=0

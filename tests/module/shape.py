@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # What the two modules show, what they ask for, and how they are linked, as they are installed:
-#   exports  equal to <module>.exports, symbol for symbol; a second word in a line names the only compiler that has it
-#   imports  those of the other module, and what imports.allowed lists: nothing that reads a file, the
+#   exports  equal to <module>.exports, symbol for symbol, each of the version <module>_1; a second word in a line
+#            names the only compiler that has it
+#   imports  those of the other module, and what <module>.imports lists: nothing that reads a file, the
 #            environment or the network
 #   linking  everything bound and then read-only, no path for the loader, no stack or page to write and execute
 # usage: shape.py <folder of the modules> <GNU or Clang>; --write in its place writes the lists of exports anew
@@ -16,9 +17,14 @@ def output(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
+def versioned(module, which):
+    """Pairs of a symbol and its version, e.g. @@TARNtn_1; nm lists the versions themselves, too, as absolute."""
+    lines = (line.split() for line in output("nm", "-D", "--format=posix", which, module).splitlines())
+    return [re.fullmatch("([^@]*)(.*)", name).groups() for name, kind, *_ in lines if kind != "A"]
+
+
 def symbols(module, which):
-    lines = output("nm", "-D", "--format=posix", which, module).splitlines()
-    return {line.split()[0].split("@")[0] for line in lines}
+    return {name for name, _ in versioned(module, which)}
 
 
 def readable(names):
@@ -40,7 +46,9 @@ def faults(name, module, compiler, others):
     exported, expected = symbols(module, "--defined-only"), expected_exports(name, compiler)
     for text, names in ("shows", exported - expected), ("does not show", expected - exported):
         yield from (f"{text} {symbol}" for symbol in sorted(readable(names)) if names)
-    allowed = set((HERE / "imports.allowed").read_text().split())
+    yield from (f"shows {symbol} as version {version or 'none'}" for symbol, version
+                in versioned(module, "--defined-only") if version != f"@@{name}_1")
+    allowed = set((HERE / f"{name}.imports").read_text().split())
     foreign = symbols(module, "--undefined-only") - allowed - others
     yield from (f"asks for {symbol}" for symbol in sorted(readable(foreign)) if foreign)
 

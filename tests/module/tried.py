@@ -23,7 +23,7 @@ def called(program):
 
 def shown_functions(module):
     functions = {}  # address: its names
-    for line in output("nm", "-D", "--defined-only", module).splitlines():
+    for line in output("nm", "-D", "--defined-only", "--without-symbol-versions", module).splitlines():
         address, kind, name = line.split()
         if kind in "TW":
             functions.setdefault(address, []).append(name)

@@ -23,7 +23,7 @@ constexpr int kSingularMatrix = 17;
 void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "%s\n", what);
-  std::exit(1);  // NOLINT(concurrency-mt-unsafe)
+  std::exit(1);
 }
 
 class Module {

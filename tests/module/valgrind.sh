@@ -1,5 +1,6 @@
 #!/bin/sh
-# Runs one program under valgrind, and prints what it says only if there is something to say.
+# Runs one program under valgrind, and prints what it says only if there is something to say.  The
+# tests have an operator new of their own, which valgrind shall not replace (somalloc).
 # usage: valgrind.sh <program> [arguments ...]
 name=$(basename "$1")
 log=$(mktemp)

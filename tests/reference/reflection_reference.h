@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -77,5 +78,27 @@ struct Reflection {
     }
   }
 };
+
+// A pivot and one entry below it, where the decisions about a reflection fall: the larger of both is 1e-20
+// or next to it, or s * up is -1e-20 or next to it.
+inline std::vector<std::array<double, 2>> columns_at_the_thresholds() {
+  std::vector<std::array<double, 2>> columns;
+  for (const double size : {1e-20, std::nextafter(1e-20, 0.0), -1e-20, std::nextafter(-1e-20, 0.0)}) {
+    columns.push_back({size, 0.0});
+    columns.push_back({0.0, size});
+    columns.push_back({size / 2, size});
+  }
+  for (int step = -40; step <= 40; ++step) {
+    for (int pivot = 0; pivot < 8; ++pivot) {
+      const double unit = 0x1p-86;  // the last digit of 1e-10
+      const std::array<double, 2> column = {-pivot * unit, 1e-10 + step * unit};
+      std::array<double, 2> v = column;
+      double up = 0.0;
+      h1(0, 1, 2, v.data(), 1, up);
+      if (v[0] * up == -1e-20 || v[0] * up == std::nextafter(-1e-20, 0.0)) columns.push_back(column);
+    }
+  }
+  return columns;
+}
 
 }  // namespace reference

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// Counts the program's allocations through every form of operator new, and makes chosen ones fail.  Link
-// support/allocation.cpp into the test.
+// Counts the program's allocations through every form of operator new, and makes chosen ones fail.  Ends
+// the program where a block has been written to behind its end.  Link support/allocation.cpp into the test.
 namespace allocation {
 
 // Fails the allocation of this index (0 is the next one), or with `for_good` all from it on, until

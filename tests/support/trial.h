@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <initializer_list>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -172,9 +174,7 @@ Record undisturbed(const Operation<World>& operation) {
 }
 
 // Whether a run is only to show what it calls, which takes no failures (tests/module/tried.py).
-inline bool nothing_is_to_fail() {
-  return std::getenv("NOTHING_IS_TO_FAIL") != nullptr;  // NOLINT(concurrency-mt-unsafe)
-}
+inline bool nothing_is_to_fail() { return std::getenv("NOTHING_IS_TO_FAIL") != nullptr; }
 
 constexpr std::size_t kMostPlaces = 2000;  // a loop that got this far would not end
 
@@ -245,11 +245,57 @@ std::size_t expect_survives_throwing_handler(const Operation<World>& operation) 
   return kMostPlaces;
 }
 
+// After a failure each target of a solve is as it was, resized, or solved: nothing else may be in it.
+template <class World, class Matrix>
+void expect_documented_targets(const Operation<World>& solve,
+                               std::initializer_list<Matrix World::*> targets) {
+  SCOPED_TRACE(solve.name);
+  const auto first = std::make_unique<World>();
+  const auto done = std::make_unique<World>();
+  solve.run(*done);
+  for (const bool for_good : {false, true}) {
+    bool failed = true;
+    for (std::size_t k = 0; failed; ++k) {
+      ASSERT_LT(k, kMostPlaces);
+      const auto world = std::make_unique<World>();
+      failed = false;
+      {
+        const allocation::Failing failing(k, for_good);
+        try {
+          solve.run(*world);
+        } catch (const std::bad_alloc&) {
+          failed = true;
+        }
+      }
+      for (Matrix World::*const target : targets) {
+        const Matrix &before = (*first).*target, &solved = (*done).*target;
+        Matrix resized = before;
+        resized.resize(solved.n_rows(), solved.n_cols(), true);
+        const Record now = Record().add((*world).*target);
+        EXPECT_TRUE(now.is(Record().add(before)) || now.is(Record().add(resized)) ||
+                    now.is(Record().add(solved)))
+            << "allocation " << k;
+      }
+    }
+  }
+}
+
 // --- Whole tables ----------------------------------------------------------------------------------------
 
 template <class Table>
 void expect_all_survive_exhaustion(const Table& table) {
   for (const auto& operation : table) expect_survives_exhaustion(operation);
+}
+
+// The solves and inversions of the table.
+template <class Table, class World, class Matrix>
+void expect_all_have_documented_targets(const Table& table,
+                                        std::initializer_list<Matrix World::*> targets) {
+  for (const auto& operation : table) {
+    if (operation.name.starts_with("solve") || operation.name.starts_with("inverse")) {
+      expect_documented_targets(operation, targets);
+    }
+  }
 }
 
 // Each operation of the table fails at least one check.

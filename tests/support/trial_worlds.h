@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
@@ -66,7 +67,7 @@ class QuietJournal : private std::streambuf {
 // Slots beyond the size hold zero bits.
 inline bool has_zero_tail(const TnArray<double>& a) {
   for (std::size_t i = a.size(); i < a.capacity(); ++i) {
-    if (a.data()[i] != 0.0) return false;
+    if (std::bit_cast<std::uint64_t>(a.data()[i]) != 0) return false;  // not -0.0
   }
   return a.size() <= a.capacity();
 }
@@ -118,7 +119,10 @@ struct DenseWorld {
 
   Record inputs() const {
     Record r;
-    for (const TnLaDblMat* m : {&A, &B, &big, &tall, &wide, &flat, &flat_wide, &single, &none}) r.add(*m);
+    for (const TnLaDblMat* m :
+         {&A, &B, &big, &tall, &wide, &flat, &flat_wide, &single, &none, &pair, &large}) {
+      r.add(*m);
+    }
     for (const TnLaDblVec* e : {&x, &y, &lengthy, &nil}) r.add(*e);
     r.add_whole(numbers).add_whole(few).add_whole(indices).add_whole(pointers).add(text.c_str());
     r.add(printed(h).c_str()).add(printed(lengthy_h).c_str());

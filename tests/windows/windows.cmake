@@ -12,15 +12,15 @@ endforeach()
 
 # The environment in which a program finds the file of the target `module`, and what else it needs.
 function(tarn_wine_path variable module)
-  set(${variable} "WINEPATH=Z:$<TARGET_FILE_DIR:${module}>\\;Z:$<TARGET_FILE_DIR:tn>\\;Z:${CMAKE_BINARY_DIR}/runtime"
+  set(${variable} "WINEPATH=Z:$<TARGET_FILE_DIR:${module}>\\;Z:$<TARGET_FILE_DIR:TARN::tn>\\;Z:${CMAKE_BINARY_DIR}/runtime"
     PARENT_SCOPE)
 endfunction()
 
-# The clients of an install are built with the same toolchain, and find the modules in its folder bin.  What starts
-# a program without Wine is left out.
-set(TARN_LEFT_OUT "which_solver|bad_input")
-function(tarn_installs_for_wine test bin)
-  set_tests_properties(${test} PROPERTIES ENVIRONMENT
+# tarn_builds_for_wine(<folder> <tests...>): what they build is built with the same toolchain, and finds the modules in
+# the folder.  Of the clients' tests those are left out that start a program without Wine.
+set(TARN_LEFT_OUT bad_input)
+function(tarn_builds_for_wine bin)
+  set_tests_properties(${ARGN} PROPERTIES ENVIRONMENT
     "CMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/mingw-w64.cmake;WINEPATH=Z:${bin}\\;Z:${CMAKE_BINARY_DIR}/runtime")
 endfunction()
 

@@ -23,7 +23,8 @@ set(ENV{PKG_CONFIG_PATH} ${pc_folder})
 
 foreach(client tests/client examples)
   run(${CMAKE_COMMAND} -S ${SOURCE}/${client} -B ${SCRATCH}/${client} -G Ninja
-      -DCMAKE_PREFIX_PATH=${moved} -DCMAKE_CXX_COMPILER=${CXX})
+      -DCMAKE_PREFIX_PATH=${moved} -DCMAKE_CXX_COMPILER=${CXX}
+      -DCMAKE_REQUIRE_FIND_PACKAGE_Eigen3=ON)  # which an example leaves out otherwise
   run(${CMAKE_COMMAND} --build ${SCRATCH}/${client})
   run(${CMAKE_CTEST_COMMAND} --test-dir ${SCRATCH}/${client} --output-on-failure --no-tests=error ${chosen})
 endforeach()
