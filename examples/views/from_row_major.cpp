@@ -11,8 +11,8 @@
 
 #include <tarntnla.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "common/checks.h"
 
@@ -45,24 +45,21 @@ int main() {
   const TnLaDblMat c = a * b;
   bool same = true;
   for (std::size_t i = 0; i < kRows; ++i) {
-    for (std::size_t j = 0; j < kCols; ++j)
-      same = same && std::memcmp(&C[i][j], &c(i, j), sizeof(double)) == 0;
+    for (std::size_t j = 0; j < kCols; ++j) same = same && C[i][j] == c(i, j);
   }
   checks.is_true("the same bits as by columns", same);
 
   // Rows in, columns out: straight into a matrix of the library, which is written to at &D(0, 0).
   TnLaDblMat D(kRows, kCols, 0.0);
   tnla_mat_mat_prod(kRows, kInner, kCols, &A[0][0], &B[0][0], &D(0, 0), kInner, 1, kCols, 1, 1, kRows);
-  checks.is_true("rows in, columns out",
-                 std::memcmp(D.array().data(), c.array().data(), kRows * kCols * sizeof(double)) == 0);
+  checks.is_true("rows in, columns out", std::equal(&D(0, 0), &D(0, 0) + kRows * kCols, &c(0, 0)));
 
   // A' A: the steps of the first operand are exchanged.
   double normal[kInner][kInner];
   tnla_mat_mat_prod(kInner, kRows, kInner, &A[0][0], &A[0][0], &normal[0][0], 1, kInner, kInner, 1, kInner,
                     1);
   const TnLaDblMat expected = a.tr() * a;
-  checks.is_true("the transpose of A, times A",
-                 std::memcmp(&normal[1][3], &expected(1, 3), sizeof(double)) == 0);
+  checks.is_true("the transpose of A, times A", normal[1][3] == expected(1, 3));
 
   // The last two columns of A alone, with the last two rows of B.
   double part[kRows][kCols];
