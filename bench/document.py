@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """The tables and plots of docs/performance.md, from the results."""
 
 import re

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Time over size, ours and the peers', and the ratios underneath: one picture a problem, by gnuplot."""
 
 import re

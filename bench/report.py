@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Runs the benchmarks, prints their tables, and writes those of docs/performance.md.
 
     report.py BUILD [--quick | --check | --report] [PROBLEM ...]

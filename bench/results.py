@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """What the programs have measured, and the goals for it."""
 
 import json

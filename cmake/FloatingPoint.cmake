@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The floating-point contract, in one place.
 #
 # Every result is a fixed sequence of IEEE 754 double operations, each rounded on its own: the same bits at

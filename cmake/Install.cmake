@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What an install holds: the two modules, the headers in include/tarntnla, a CMake package and two
 # pkg-config files.  All of it can be moved to another prefix.  There are two components: tarntnla_runtime, what a
 # program needs to run, and tarntnla_dev, what it needs to be built, which is all that says nothing else.

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The kernel sets: one source, compiled once for each instruction set.
 
 include(CheckCXXSourceCompiles)

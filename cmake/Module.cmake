@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # A parent project gets the targets TARN::tn and TARN::tnla, and nothing else that it did not ask for: all other names
 # begin with tarntn, the flags are ours alone, and whatever it sets for its own targets is set anew for ours.
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The toolchain for Windows on x86-64: Debian's GCC from mingw-w64, with the threads of its standard library, and
 # Wine to run what it makes.
 set(CMAKE_SYSTEM_NAME Windows)

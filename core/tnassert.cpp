@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnassert.h"
 
 TnAssertionHandler kit_assertion_handler = nullptr;

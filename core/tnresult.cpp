@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnresult.h"
 
 void TnResult::set_error_condition(CodeID code, int number, const TnString* const* package,

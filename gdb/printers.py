@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # How gdb shows the types of TARNtnla: the shape first, then the elements, a matrix row by row.
 #
 # gdb loads this file by itself with the module that it is installed for (docs/debugging.md).  The fields are read

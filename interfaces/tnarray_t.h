@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // How TnArray grows, shrinks and copies.  Included by tnarray_i.h.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // TNLA_API marks what the module shows to others; everything else is hidden.  TNLA_HIDDEN takes a private

@@ -1,4 +1,6 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
+
 # Tries the packages of a folder as a stranger would: the program and the commands of the README, then an example from
 # the documentation, by CMake; and the TGZ, unpacked somewhere, by CMake and pkg-config.
 # As root this happens in a copy of the machine that is thrown away, where the packages are really installed and

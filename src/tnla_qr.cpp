@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnla_qr.h"
 
 #include "kernels/full_rank.h"

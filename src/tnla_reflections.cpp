@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnla_reflections.h"
 
 #include "tnla_access.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnla_util.h"
 
 #include <algorithm>

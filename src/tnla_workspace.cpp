@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnla_workspace.h"
 
 // Out of line, because every instance of every template has one.

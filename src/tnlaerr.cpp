@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnassert.h"
 #include "tnerr.h"
 #include "tnlaerr_i.h"

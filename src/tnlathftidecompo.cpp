@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tnlathftidecompo.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kernels/reductions.h"
 #include "tnla_debug.h"
 #include "tnla_small_loops.h"

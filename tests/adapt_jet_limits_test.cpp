@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What stops the adaptation of a jet: a first derivative that is too short, shapes that do not fit,
 // exceptions.
 

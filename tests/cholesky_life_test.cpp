@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The order of calls, the solution as an array, and what is asserted.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What the solver keeps and returns, seen by counting allocations, and how it goes on when it is disturbed.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The numbers: what x() computes.  When it computes what is in cholesky_life_test.cpp, and
 // what it holds meanwhile in cholesky_memory_test.cpp.
 

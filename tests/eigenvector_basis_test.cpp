@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/eigenvector_basis.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // In which order the eigenvalues come, and what depends on the number of a sweep.
 
 #include <gtest/gtest.h>

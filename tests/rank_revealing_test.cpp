@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The rank-revealing decomposition is not exported.  The solve with a tolerance shows all of it: the
 // rank, the solution and the basis of the null space.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What counts as zero or singular is absolute.  These tests hold both edges of the range in which the
 // solvers can be used: inside it they are accurate; outside, they fail in the way that is documented.
 

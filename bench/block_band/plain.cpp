@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "block_band/chain.h"
 #include "common/twin.h"
 #include "reference/band_reference.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Banded least squares, block by block, for 2 right sides: see chain.h.  The answer is X, n x 2; the size
 // of a case is bandwidth x unknowns.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "common/twin.h"
 #include "reference/cholesky_reference.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A x = b for a symmetric positive definite A; the answer is x.
 //
 //     factor_solve   a new matrix every time

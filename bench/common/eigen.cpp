@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <Eigen/Core>
 
 #include "common/peer.h"

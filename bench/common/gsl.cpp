@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <gsl/gsl_version.h>
 
 #include "common/peer.h"

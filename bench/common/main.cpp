@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A problem's program: asks every peer for every case, checks the answers, and then times the tasks.
 //
 //     --quick   the quick cases only

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <cblas.h>
 
 #include "common/peer.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "common/gsl.h"
 
 #include <gsl/gsl_eigen.h>

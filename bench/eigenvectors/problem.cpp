@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A V = V diag(d) for a symmetric A; the answer is d, in any order, and then V with its columns in that
 // order.
 //

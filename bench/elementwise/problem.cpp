@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Vectors, element by element, x and y in A and B.
 //
 //     lincomb   z = 0.75 x + 1.25 y into a vector that is there

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The inverse and the determinant of an n x n matrix; the answer is one or the other.
 //
 // Ours come from the QR decomposition; the others' from LU, with half the operations, or from closed forms.

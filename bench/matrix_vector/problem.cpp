@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // y = A x for an n x n matrix A; the answer is y.
 
 #include "common/problem.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // C = A B: as it stands, and with the transpose of a stored A or B.
 //
 // A is n x n, in `transposed_a` stored as its transpose, B likewise in `transposed_b`; the answer is C.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A X = B by the QR decomposition without interchanges, for 2 right sides; the answer is X.
 //
 //     solve           factor and solve, in one call where a library has one

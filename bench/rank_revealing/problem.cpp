@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A X = B with column interchanges, for 2 right sides: the solution of minimal length; the answer is X.
 //
 //     full        A is random, of rank n

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A X = B for systems so small that the calls, checks and allocations count; the answer is X.
 //
 //     two_sides   types of fixed size, 2 right sides.  Ours has no shape but N x N: columns 2 ... are zero.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "common/tnla.h"
 
 #include "common/fixed_size.h"

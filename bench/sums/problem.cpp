@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One sum at a time, over x and y in A and B: the answer is one number.
 //
 //     norm             |x|

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Opens every page of the reference in headless Chromium, as its reader does: browse.py [--pictures FOLDER].
 
 It fails where a page logs an error, asks for a file that is not there, has a link that leads nowhere (anchors

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Makes the reference: build/docs/html, by Doxygen alone and without a network.
 
 It fails where Doxygen warns, and where the module exports a name, or a class shows a member, that no text explains.

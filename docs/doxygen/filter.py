@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Lets Doxygen read the project's files as they are: filter.py FILE writes what it is to read instead.
 
 Headers carry plain comments, so that they read well in an editor.  A comment above a declaration is its text, and that
@@ -230,7 +232,7 @@ def header(path):
         statement.clear()
 
     lines = path.read_text().splitlines()
-    at = 0
+    at = 1  # below the licence
     while at < len(lines):
         line = lines[at]
         stripped = line.strip()

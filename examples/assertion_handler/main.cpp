@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // An assertion handler for development: it says which check failed, and by which calls it was reached.
 //
 //   assertion_handler

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The report of an assertion: the check by file and line, and the client's own functions that lead there.
 execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE report)
 if(NOT result EQUAL 0 OR NOT output MATCHES "2 assertions")

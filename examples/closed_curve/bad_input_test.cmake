@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Outlines that are missing, cut short or wrong, and outlines that do not determine the curve.
 
 include(${CMAKE_CURRENT_LIST_DIR}/../common/bad_input.cmake)

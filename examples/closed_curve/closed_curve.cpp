@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "closed_curve.h"
 
 #include <algorithm>

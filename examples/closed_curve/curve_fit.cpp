@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "curve_fit.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A closed curve, fitted to points measured round an outline: banded least squares, with a wrap-around.
 //
 //   closed_curve [--picture FILE.svg] [FILE]

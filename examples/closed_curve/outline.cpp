@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "outline.h"
 
 #include "closed_curve.h"

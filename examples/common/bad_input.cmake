@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What the bad_input_test.cmake of the examples share: PROGRAM runs on files that are missing, cut short or
 # wrong, and on wrong command lines.  Each gets one line that names the file and, where there is one, the
 # line, and a non-zero exit.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // The checks that an example makes on its own result: one line each, "ok" or "FAILED" first.  They count as

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "text_file.h"
 
 #include <charconv>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "curves.h"
 
 namespace curves {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Joining curves: one jet gets the speed of another.
 //
 //   curve_join [--picture FILE.svg]

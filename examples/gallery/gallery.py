@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Runs the examples, and shows what they made on one page.
 
     gallery.py FOLDER    the folder in which the examples were built; the pictures and gallery.html go there
@@ -86,9 +88,9 @@ def coloured(code):
 
 
 def summary(path):
-    """The first paragraph of the comment with which a file begins."""
+    """The first paragraph of the comment with which a file begins, below its licence."""
     words = []
-    for line in path.read_text().splitlines():
+    for line in path.read_text().splitlines()[2:]:
         if not line.removeprefix("//").strip():
             break
         words.append(line.removeprefix("//").strip())

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "data_set.h"
 
 #include <algorithm>

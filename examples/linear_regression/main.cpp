@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Linear regression on data sets with certified results: how many digits does a least-squares solve get
 // right?
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "regression.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Clouds that are missing, cut short or wrong, and clouds without principal axes.
 
 include(${CMAKE_CURRENT_LIST_DIR}/../common/bad_input.cmake)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "cloud.h"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The principal axes of inertia of a body that is given as a cloud of points.
 //
 //   principal_axes [--picture FILE.svg] [FILE]

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Matrix Market files that are missing, cut short or wrong.
 
 include(${CMAKE_CURRENT_LIST_DIR}/../common/bad_input.cmake)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "errors.h"
 
 #include <algorithm>

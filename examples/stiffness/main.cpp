@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A stiffness matrix: several loads on a frame by one Cholesky factor, and a load that shakes it.
 //
 //   stiffness [--picture FILE.svg] [FILE]

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "matrix_market.h"
 
 #include <set>

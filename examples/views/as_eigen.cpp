@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A matrix, a vector and the small types as Eigen::Map: Eigen works on the library's own elements, and the
 // library sees what it writes.  Both keep a matrix column by column, so a map needs no stride.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A matrix as a pointer to its first element and a leading dimension: what a function written for columns
 // in memory wants, as those of C and Fortran are.
 //

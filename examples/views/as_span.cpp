@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A matrix or vector as std::span, of C++20: all elements, or one column, without a copy.
 //
 //   all elements   {A.array().data(), A.array().size()}    column by column

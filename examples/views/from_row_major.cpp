@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Row-major data into the library's product, without a copy and without a matrix of the library.
 //
 // tnla_mat_mat_prod takes three pointers and two steps for each: A(i, l) is A[i * a_row_step + l *

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What the modules need of Debian's packages, read off them when the packages are made.  CPack would do so, too, but it
 # adds scripts that call ldconfig, for which libtarntnla1 has a trigger.
 set(scratch ${CPACK_TARNTNLA_MODULES}/shlibdeps)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "elementwise.h"
 
 #include "simd.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "jacobi_turns.h"
 
 namespace tnla_kernels::TNLA_SET {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "jacobi_wavefront.h"
 
 #include <cmath>

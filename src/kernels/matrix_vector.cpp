@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "product_parts.h"
 #include "product_tile.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "product.h"
 
 #include "product_parts.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "qr.h"
 
 #include <cstdint>

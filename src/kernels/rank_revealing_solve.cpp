@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "rank_revealing.h"
 #include "reflection_chain.h"
 #include "simd.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "reductions.h"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "reflection_chain.h"
 
 #include <cmath>

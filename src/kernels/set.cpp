@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kernel_set.h"
 #include "simd.h"
 

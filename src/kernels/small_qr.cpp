@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "small_qr.h"
 
 #include <cmath>

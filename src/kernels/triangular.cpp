@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "triangular.h"
 
 #include "simd.h"

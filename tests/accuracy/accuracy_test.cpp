@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The ratios by which LAPACK's own test programs judge a factorisation or a solution, for more than 100,000
 // matrices within the usable range (docs/numbers.md).  For every type of matrix the program prints the
 // worst ratio, and it holds them to the limits of tally.h.  The formulas and the types are those of LAPACK

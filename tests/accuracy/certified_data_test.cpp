@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The regression problems whose coefficients NIST has certified (examples/data/nist), as the example solves
 // them.  Every coefficient has a floor in correct digits, against the exact values to 25 digits in the same
 // files, and its bits.

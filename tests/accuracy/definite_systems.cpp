@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <vector>
 
 #include "accuracy/measures.h"

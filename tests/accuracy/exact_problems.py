@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Linear systems and their exact solutions, for exact_solutions_test.cpp.
 
     exact_problems.py FILE            writes the file

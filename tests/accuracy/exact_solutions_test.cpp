@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Systems whose exact solutions are known: exact_problems.txt, which exact_problems.py has solved in
 // integers and fractions.  Every solution is held to a bound that is derived, and all of them to the bits
 // that they have on every machine.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "accuracy/system_types.h"
 
 #include "reference/decomposition_reference.h"

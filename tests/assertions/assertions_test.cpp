@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Every assertion of the library: fires with the stated path and line, passes for the closest legal call,
 // and gives the documented answer without a handler too.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "entries.h"
 #include "support/printed.h"
 #include "support/small_types.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "entries.h"
 #include "reference/reflection_reference.h"
 #include "support/band_client.h"

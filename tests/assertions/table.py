@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Lists every assertion of the library from its sources: file, line, function, condition and reported path.
 
 table.py header   prints the list as the C++ header that assertions_test.cpp compiles in

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "entries.h"
 #include "support/dense_objects.h"
 #include "support/printed.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Solves 2 x + y = 5, x + 3 y = 10 with a dense and with a small matrix.
 
 #include <tarntnla.h>

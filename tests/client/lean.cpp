@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Needs nothing of TARNtn by itself.
 
 #include <tarntnla.h>

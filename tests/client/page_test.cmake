@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 function(page_program name block)
   if(NOT block MATCHES "int main")
     set(block "#include <tarntnla.h>\n#include <cmath>\n#include <cstdio>\nint main() {\n${block}}\n")

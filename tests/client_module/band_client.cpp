@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "band_client.h"
 
 #include <cstddef>

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """What of core/, interfaces/ and src/ the tests have run, from builds that count it.
 
 report.py lines <build folder>   of GCC's --coverage: lines and branches; also as coverage.json, for gcovr

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One object of each kind, for gdb to show at stop() as session.txt says.
 
 #include <tarntnla.h>

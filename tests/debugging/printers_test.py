@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 # What gdb shows of a program with one object of each kind (objects.cpp), with the script that an install puts
 # where gdb looks for it, and modules without debug information.
 #   shown     every command of session.txt prints what the line below it says: "(gdb) ..." in any program,

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Builds the library by every compiler at hand, at every level and for several processors, and compares.
 
     builds.py [--all] [PART ...]    the builds whose names hold one of the parts, e.g. gcc-12 or s390x

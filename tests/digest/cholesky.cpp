@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // Symmetric systems by the Cholesky factor, and by the rank-revealing solve where there is none.

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Builds the digest as a client may, with flags that the library itself never has, and runs it with one library.
 
     clients.py PREFIX [--all] [PART ...]    PREFIX: where the library is installed

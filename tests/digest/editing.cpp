@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // The structure of dense matrices and vectors: construction, resizing, rows and columns in and out.

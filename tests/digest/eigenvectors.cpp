@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // Eigenvalues and eigenvectors of symmetric matrices.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // The adaptation of one jet of a curve to another.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Prints a digest of all that the library computes: one line for each family of operations, with the
 // digests after 1, 10 and 100 percent of its rounds.  They are the same for every compiler, level,
 // processor, kernel set, place in memory and number of threads; expected.txt holds them, and is the output

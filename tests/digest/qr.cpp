@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // The QR decomposition of dense matrices, the default solve, inverses and determinants.

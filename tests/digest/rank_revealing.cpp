@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "families.h"
 
 // The rank-revealing solve, its null space, and pseudo-inverses.

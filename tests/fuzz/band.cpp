@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The band solver and a client that answers with anything: negative counts, first unknowns anywhere, rows
 // that were not written, reshaped matrices, exceptions, a solve within a solve.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Decompositions and what is solved by them, for the dense matrix and the twelve small ones: QR, both forms
 // of the linear solve, inverses, determinants, reflections, the Cholesky solver in all its states,
 // eigenvectors, jets.

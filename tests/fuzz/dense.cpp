@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Structure, arithmetic and products of dense matrices, vectors and arrays.
 //
 // The input is a list of operations on a few objects, among them what violates a precondition and what has

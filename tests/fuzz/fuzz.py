@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 """Runs the fuzzers:  fuzz.py BUILD [--merge] [TARGET ...] [SECONDS]
 
 Two targets run side by side, each half of the SECONDS (60) with the module and half with the one that holds

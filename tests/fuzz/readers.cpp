@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The readers of the examples' data files on any bytes.
 //
 // The first byte of the input is the format, the rest is the file.  What a plain second reader takes must

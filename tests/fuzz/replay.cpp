@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Runs a target over every file of a folder, without a fuzzer: REPLAY FOLDER
 
 #include <cstddef>

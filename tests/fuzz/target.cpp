@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "target.h"
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # As a new user would: installs BUILD into an empty prefix, moves the prefix, builds the clients and the
 # examples against it, and runs them, but for the tests that match LEFT_OUT.
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # Configures the project parent/, in the folder SCRATCH, with the library SOURCE as its part, and looks
 # whether something of the library's reaches it.  CXX is the compiler, and the list OPTIONS goes to the parent's cmake.
 # With PACKED it gets an archive that holds only what a parent needs, and with BUILD it is built, too, and runs.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Which kernel sets a module holds, and which of them it takes on this processor.
 
 #include <gtest/gtest.h>

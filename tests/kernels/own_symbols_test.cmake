@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # A kernel set defines nothing outside its namespace.  An inline function of another one, compiled for a newer
 # processor, could become the copy that the linker keeps for the whole module.  On Windows there are addresses of
 # functions beside them, .refptr.<name>.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Laws of the products and of the sums on plain arrays.
 
 #include <gtest/gtest.h>

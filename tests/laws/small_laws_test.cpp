@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A small type of dimension N gives the bits of the dense type with N rows, for everything that both offer,
 // N = 1 to 12.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Laws of the decompositions and the solves by them.  All data are random and nothing cancels to an exact
 // zero, whose sign would be that of no law.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Laws of the solvers for symmetric matrices: Cholesky, and the eigenvectors by Jacobi rotations.
 
 #include <gtest/gtest.h>

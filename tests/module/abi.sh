@@ -1,4 +1,6 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
+
 # Compares the binary interface of both modules (types, layouts, virtual tables, signatures) with the one that was
 # promised, abi/<module>.abi.xz.  What libabigail reads off a module depends on the compiler, so it is always
 # GCC 12, without optimisation.  What is only added is for TARNtn*.exports to notice.

@@ -1,4 +1,6 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
+
 # What takes valgrind or libabigail to see about the modules, after a build of the preset dev: the binary
 # interface is the promised one; allocations fail in every public function; where they do, and over a
 # thousand loads and unloads, no block is lost and no byte is touched that should not be; and no result depends

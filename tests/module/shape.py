@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 # What the two modules show, what they ask for, and how they are linked, as they are installed:
 #   exports  equal to <module>.exports, symbol for symbol, each of the version <module>_1; a second word in a line
 #            names the only compiler that has it

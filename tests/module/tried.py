@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 # Every function that a module shows is called by an operation on which the allocation tests let allocations
 # fail: callgrind notes what runs inside run_under_trial (tests/support/trial.h).  So a new public function
 # without such an operation is noticed.  What need not be called stands in tried.exempt, a pattern and its

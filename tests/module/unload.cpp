@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Loads and unloads both modules a thousand times, works with them in between, and lets a TnResult that was
 // filed by TARNtnla outlive it: its code and number stay, its text is gone with the module.  Fails if a
 // module stays in memory or a round leaves a block behind; valgrind, in ./dev module, sees the rest. usage:

@@ -1,4 +1,6 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
+
 # Runs one program under valgrind, and prints what it says only if there is something to say.  The
 # tests have an operator new of their own, which valgrind shall not replace (somalloc).
 # usage: valgrind.sh <program> [arguments ...]

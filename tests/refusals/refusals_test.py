@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 # What a client cannot write: a call that the library has no answer to is refused by the compiler, and its message
 # holds the sentence that says what to write.  And what a client can write all the same: the calls beside those,
 # which take the overload that they always took.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Prints how long, in microseconds, it takes to load modules one after the other, into a program that has
 // the C++ library already.  One program, one load: the second one would find everything in place.
 

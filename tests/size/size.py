@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
 """Measures what the installed library costs those who include and load it, and fails beyond the limits.
 
     size.py PREFIX    the folder of an install; the compiler is g++, or what CXX names

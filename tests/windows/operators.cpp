@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The program's operators new and delete for all of its DLLs, too.
 //
 // Where a program replaces these operators, other systems' loaders make all modules use them.  On Windows

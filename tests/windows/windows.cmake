@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # How the tests are built and run for Windows, by mingw-w64 and Wine (./dev windows).
 if(NOT WIN32)
   return()
