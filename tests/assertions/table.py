@@ -5,7 +5,7 @@
 
 table.py header   prints the list as the C++ header that assertions_test.cpp compiles in
 table.py page     prints docs/assertions.md: the list, told to a user in the words of prose.txt
-table.py check    fails if prose.txt does not speak of exactly these, or docs/assertions.md is out of date
+table.py check    fails if prose.txt does not speak of exactly these, or a page is out of date
 A site's key is <file>:<function>:<n>: check n of the functions of that name in the file.
 """
 import collections
@@ -149,6 +149,14 @@ def page(found, texts):
     return "".join(out)
 
 
+def mentioned_elsewhere(found):
+    """What the other pages show of a handler's report, and is no check's path and line any more."""
+    places = {f"{site.path}:{site.line}" for site in found}
+    return [f"{file.name}: {place} is no assertion" for file in sorted((ROOT / "docs").glob("*.md"))
+            for place in re.findall(r"\b(?:src|core|interfaces)/\w+\.(?:cpp|h):\d+", file.read_text())
+            if place not in places]
+
+
 def main():
     found = sites()
     command = sys.argv[1] if len(sys.argv) == 2 else ""
@@ -159,6 +167,7 @@ def main():
         errors = missing_prose(found, texts)
         if command == "check" and not errors and (ROOT / PAGE).read_text() != page(found, texts):
             errors = [f"{PAGE} is out of date; run ./dev assertions"]
+        errors += mentioned_elsewhere(found) if command == "check" else []
         if errors:
             sys.exit("\n".join(errors))
         print(page(found, texts) if command == "page" else f"{len(found)} assertions, all described", end="")

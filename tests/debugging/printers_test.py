@@ -5,6 +5,7 @@
 # where gdb looks for it, and modules without debug information.
 #   shown     every command of session.txt prints what the line below it says: "(gdb) ..." in any program,
 #             "(gdb, all types) ..." in one that knows all types
+#   page      the session of docs/debugging.md is a real one
 #   every     every class that the headers show has a printer, or nothing that could be printed
 #   declined  where gdb was not told to trust the folder it runs nothing, and says what to write
 # usage: printers_test.py <program> <program that knows all types> <folder of the modules> <header> ...
@@ -46,6 +47,17 @@ def shown(program, folder, *kinds):
             yield f"{program}: {command}\n  shows    {answer}\n  and not  {expected}"
 
 
+def page(program, folder):
+    text = (pathlib.Path(__file__).parents[2] / "docs" / "debugging.md").read_text()
+    steps = re.findall(r"^    \(gdb\) (.*)\n((?:    (?!\(gdb\)).*\n)*)", text, re.M)
+    answers, _ = gdb(program, folder, True, [command for command, _ in steps])
+    for (command, expected), answer in zip(steps, answers, strict=True):
+        if answer.strip() != re.sub("^    ", "", expected, flags=re.M).strip():
+            yield f"docs/debugging.md: {command}\n  shows    {answer}"
+    if len(steps) < 4:
+        yield "docs/debugging.md: where is its session?"
+
+
 def every(program, folder, headers):
     (listed,), _ = gdb(program, folder, True, ["info pretty-printer"])
     names = set(re.findall(r"^    (Tn\w+)$", listed, re.M))
@@ -65,7 +77,7 @@ def declined(program, folder):
 def main(program, all_types, folder, *headers):
     folder = os.path.realpath(folder)
     faults = [*shown(program, folder, "gdb"), *shown(all_types, folder, "gdb", "gdb, all types"),
-              *every(program, folder, headers), *declined(program, folder)]
+              *page(program, folder), *every(program, folder, headers), *declined(program, folder)]
     print("\n".join(faults) or f"{len(list(session()))} commands show what they should")
     return 1 if faults else 0
 
