@@ -5,8 +5,8 @@
 
     gallery.py FOLDER    the folder in which the examples were built; the pictures and gallery.html go there
 
-An example's card holds the first words of its main.cpp, its picture, the function that does the work, and
-what it printed.  The exit status is that of the first example that fails, and there is no page then."""
+An example's card holds its first words, its picture, the function that does the work, and what it
+printed.  The exit status is that of the first example that fails, and there is no page then."""
 
 import html
 import re
@@ -16,13 +16,19 @@ from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parent.parent
 
-# The example, and where the library does its work: the first words of a function.
+# The program, the source that begins with what it shows, and where the library does its work: the first words of a
+# function.
 EXAMPLES = [
-    ("linear_regression", "regression.cpp", "Fit fit("),
-    ("closed_curve", "curve_fit.cpp", "void CurveFit::get_block_equations("),
-    ("principal_axes", "inertia.cpp", "bool principal_axes("),
-    ("stiffness", "main.cpp", "void run_statics("),
-    ("curve_join", "main.cpp", "TnLaDblMat adapted("),
+    ("linear_regression/linear_regression", "main.cpp", "regression.cpp", "Fit fit("),
+    ("closed_curve/closed_curve", "main.cpp", "curve_fit.cpp", "void CurveFit::get_block_equations("),
+    ("principal_axes/principal_axes", "main.cpp", "inertia.cpp", "bool principal_axes("),
+    ("stiffness/stiffness", "main.cpp", "main.cpp", "void run_statics("),
+    ("curve_join/curve_join", "main.cpp", "main.cpp", "TnLaDblMat adapted("),
+    ("assertion_handler/assertion_handler", "main.cpp", "main.cpp", "void report_assertion("),
+    ("views/as_pointer", "as_pointer.cpp", "as_pointer.cpp", "int main("),
+    ("views/as_span", "as_span.cpp", "as_span.cpp", "std::span<double> elements("),
+    ("views/as_eigen", "as_eigen.cpp", "as_eigen.cpp", "Eigen::Map<Eigen::MatrixXd> map("),  # where Eigen was found
+    ("views/from_row_major", "from_row_major.cpp", "from_row_major.cpp", "int main("),
 ]
 
 PAGE = """<!DOCTYPE html>
@@ -55,7 +61,7 @@ i { color: var(--faint); } b { color: var(--word); font-weight: normal; } u { co
 </head>
 <body>
 <h1>What the examples made</h1>
-<p>Each is a client of the installed library, with real data.  Everything below is from this run.</p>
+<p>Each is a client of the installed library.  Everything below is from this run.</p>
 <nav>%s</nav>
 %s
 </body>
@@ -97,26 +103,35 @@ def summary(path):
     return " ".join(words)
 
 
-def card(folder, name, file, start, output):
+def title(program):
+    folder, name = program.split("/")
+    return (name if folder == name else f"{folder}: {name}").replace("_", " ").capitalize()
+
+
+def card(folder, program, head, file, start, output):
+    sources, name = SOURCES / program.split("/")[0], program.split("/")[1]
     picture = folder / f"{name}.svg"
     drawn = f'<div class="picture">{picture.read_text()}</div>\n' if picture.exists() else ""
-    return (f'<section id="{name}">\n<h2>{name.replace("_", " ").capitalize()}</h2>\n'
-            f"<p>{html.escape(summary(SOURCES / name / 'main.cpp'))}</p>\n{drawn}"
-            f'<p class="from">examples/{name}/{file}</p>\n'
-            f"<pre>{coloured(function(SOURCES / name / file, start))}</pre>\n"
+    return (f'<section id="{name}">\n<h2>{title(program)}</h2>\n'
+            f"<p>{html.escape(summary(sources / head))}</p>\n{drawn}"
+            f'<p class="from">examples/{sources.name}/{file}</p>\n'
+            f"<pre>{coloured(function(sources / file, start))}</pre>\n"
             f'<p class="from">What it prints</p>\n<pre>{html.escape(output.rstrip())}</pre>\n</section>\n')
 
 
 def main(folder):
-    cards = []
-    for name, file, start in EXAMPLES:
+    cards, links = [], []
+    for program, *sources in EXAMPLES:
+        if program == "views/as_eigen" and not (folder / program).exists():
+            continue
+        name = program.split("/")[1]
         (folder / f"{name}.svg").unlink(missing_ok=True)
-        done = subprocess.run([folder / name / name], cwd=folder, stdout=subprocess.PIPE, text=True)
+        done = subprocess.run([folder / program], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         print(done.stdout, flush=True)
         if done.returncode != 0:
             return done.returncode
-        cards.append(card(folder, name, file, start, done.stdout))
-    links = [f'<a href="#{name}">{name.replace("_", " ").capitalize()}</a>' for name, _, _ in EXAMPLES]
+        cards.append(card(folder, program, *sources, done.stdout))
+        links.append(f'<a href="#{name}">{title(program)}</a>')
     page = folder / "gallery.html"
     page.write_text(PAGE % (" ".join(links), "".join(cards)))
     print(f"All of it on one page: {page}")
