@@ -33,6 +33,9 @@ times >worked  # of the processor; on a busy machine the clock says nothing
 worked=$(sed -n '2s/[ms]/ /gp' worked | awk '{ print $1 * 60 + $2 + $3 * 60 + $4 }')
 echo "installed, built and solved in $seconds s, of which the processor worked $worked s"
 [ "${worked%.*}" -lt 60 ]
+gdb -nx -batch -ex 'break tnla_linearsolve' -ex run -ex 'up' -ex 'info pretty-printer' ./solve >log 2>&1
+grep -q TnLaDblMat log || { cat log; exit 1; }
+echo "gdb has the library's types shown"
 ldd solve | grep -c '=> /lib.*/libTARN\|=> /usr/lib.*/libTARN' | grep -qx 2
 
 (apt install ./libtarntnla-doc_*.deb
@@ -63,7 +66,7 @@ mkdir "$scratch/copy"
 if in_a_copy "$scratch" 2>"$scratch/log"; then
   in_a_copy "$scratch" run
 else
-  echo "unpacked, not installed: $(tail -1 "$scratch/log")"
+  echo "unpacked alone; neither installed, timed, shown by gdb nor removed: $(tail -1 "$scratch/log")"
   for package in "$stranger"/*.deb; do dpkg-deb -x "$package" "$scratch/unpacked"; done
   pc=$(find "$scratch/unpacked" -name pkgconfig)
   (cd "$stranger" && sed 1d commands >rest && PKG_CONFIG_PATH=$pc LD_LIBRARY_PATH=${pc%/*} sh -eu ./rest) |
