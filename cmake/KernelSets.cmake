@@ -5,12 +5,12 @@
 include(CheckCXXSourceCompiles)
 include(CMakePushCheckState)
 
-# tnla_kernel_set(<set> <lanes> [options...]): the object library tarntnla_kernels_<set>.
+# tarn_kernel_set(<set> <lanes> [options...]): the object library tarntnla_kernels_<set>.
 #
 # Nobody asks a kernel for errno, and a square root that must not set it is one instruction, also of a vector:
 # bench/eigenvectors, 10 to 17% for n = 16 to 100.  GCC would keep a second copy of strided loops for vectors
 # whose entries are 1 apart, and split others at their ends: 25 KB, and not faster.
-function(tnla_kernel_set set lanes)
+function(tarn_kernel_set set lanes)
   add_library(tarntnla_kernels_${set} OBJECT ${TNLA_SET_SOURCES})
   tarn_compiles_as_we_do(tarntnla_kernels_${set})
   target_compile_definitions(tarntnla_kernels_${set} PRIVATE TNLA_SET=${set} TNLA_LANES=${lanes})
@@ -38,7 +38,7 @@ set_source_files_properties(src/kernels/small_qr.cpp PROPERTIES
   COMPILE_OPTIONS "-fno-tree-vectorize;-fno-tree-slp-vectorize")
 
 # What runs anywhere: two lanes are what SSE2, which every x86-64 has, and the vectors of most others hold.
-tnla_kernel_set(portable 2)
+tarn_kernel_set(portable 2)
 add_library(tarntnla_kernels INTERFACE)
 target_sources(tarntnla_kernels INTERFACE
   $<TARGET_OBJECTS:tarntnla_kernels_portable> ${PROJECT_SOURCE_DIR}/src/kernels/dispatch.cpp)
@@ -54,7 +54,7 @@ check_cxx_source_compiles("
   int main() { return __builtin_cpu_supports(\"avx2\"); }" TARNTNLA_COMPILES_AVX2)
 cmake_pop_check_state()
 if(TARNTNLA_WITH_AVX2 AND TARNTNLA_COMPILES_AVX2)
-  tnla_kernel_set(avx2 4 -mavx2)
+  tarn_kernel_set(avx2 4 -mavx2)
   target_sources(tarntnla_kernels INTERFACE $<TARGET_OBJECTS:tarntnla_kernels_avx2>)
   target_compile_definitions(tarntnla_kernels INTERFACE TNLA_WITH_AVX2)
   # Beside it the portable set serves the processors before 2013 alone, and size counts for more: 45 KB.

@@ -4,7 +4,7 @@
 # Compares the binary interface of both modules (types, layouts, virtual tables, signatures) with the one that was
 # promised, abi/<module>.abi.xz.  What libabigail reads off a module depends on the compiler, so it is always
 # GCC 12, without optimisation.  What is only added is for TARNtn*.exports to notice.
-# usage: abi.sh [--write]      the second form writes the promise anew: for a new major version alone
+# usage: abi.sh [--write]      the second form writes the promise anew, for a new version that is to hold it
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
