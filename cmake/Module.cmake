@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 
 # A parent project gets the targets TARN::tn and TARN::tnla, and nothing else that it did not ask for: all other
-# targets begin with tarntn and all commands with tarn_, the flags are ours alone, and whatever it sets for its own targets is set anew for ours.
+# targets begin with tarntn and all commands with tarn_, the flags are ours alone, and whatever it sets for its own
+# targets is set anew for ours.
 
 # tarn_module(<name> <header folder> <sources...>): the shared module libTARN<name>, known to CMake as
 # TARN::<name> inside the project and to its clients alike.

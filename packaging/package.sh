@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 
-# Makes Debian's packages and a TGZ in build/packages, with the reference in build/docs/html, and tries all that a release offers:
+# Makes Debian's packages and a TGZ in build/packages, with the reference that is in build/docs/html, and tries all
+# that a release offers:
 #   lintian finds nothing that is wrong; the README's commands lead from the packages to a solved system (try.sh);
 #   a parent project with flags of its own may take the library in, and all results keep their bits.
 # usage: package.sh [--only]     the second form only makes them

@@ -16,19 +16,18 @@ from pathlib import Path
 
 SOURCES = Path(__file__).resolve().parent.parent
 
-# The program, the source that begins with what it shows, and where the library does its work: the first words of a
-# function.
+# The example, and where the library does its work: the first words of a function.
 EXAMPLES = [
-    ("linear_regression/linear_regression", "main.cpp", "regression.cpp", "Fit fit("),
-    ("closed_curve/closed_curve", "main.cpp", "curve_fit.cpp", "void CurveFit::get_block_equations("),
-    ("principal_axes/principal_axes", "main.cpp", "inertia.cpp", "bool principal_axes("),
-    ("stiffness/stiffness", "main.cpp", "main.cpp", "void run_statics("),
-    ("curve_join/curve_join", "main.cpp", "main.cpp", "TnLaDblMat adapted("),
-    ("assertion_handler/assertion_handler", "main.cpp", "main.cpp", "void report_assertion("),
-    ("views/as_pointer", "as_pointer.cpp", "as_pointer.cpp", "int main("),
-    ("views/as_span", "as_span.cpp", "as_span.cpp", "std::span<double> elements("),
-    ("views/as_eigen", "as_eigen.cpp", "as_eigen.cpp", "Eigen::Map<Eigen::MatrixXd> map("),  # where Eigen was found
-    ("views/from_row_major", "from_row_major.cpp", "from_row_major.cpp", "int main("),
+    ("linear_regression", "regression.cpp", "Fit fit("),
+    ("closed_curve", "curve_fit.cpp", "void CurveFit::get_block_equations("),
+    ("principal_axes", "inertia.cpp", "bool principal_axes("),
+    ("stiffness", "main.cpp", "void run_statics("),
+    ("curve_join", "main.cpp", "TnLaDblMat adapted("),
+    ("assertion_handler", "main.cpp", "void report_assertion("),
+    ("views/as_pointer", "as_pointer.cpp", "int main("),
+    ("views/as_span", "as_span.cpp", "std::span<double> elements("),
+    ("views/as_eigen", "as_eigen.cpp", "Eigen::Map<Eigen::MatrixXd> map("),  # where Eigen was found
+    ("views/from_row_major", "from_row_major.cpp", "int main("),
 ]
 
 PAGE = """<!DOCTYPE html>
@@ -103,16 +102,15 @@ def summary(path):
     return " ".join(words)
 
 
-def title(program):
-    folder, name = program.split("/")
-    return (name if folder == name else f"{folder}: {name}").replace("_", " ").capitalize()
+def title(example):
+    return example.replace("/", ": ").replace("_", " ").capitalize()
 
 
-def card(folder, program, head, file, start, output):
-    sources, name = SOURCES / program.split("/")[0], program.split("/")[1]
-    picture = folder / f"{name}.svg"
+def card(folder, example, file, start, output):
+    sources, picture = SOURCES / example.split("/")[0], folder / f"{example}.svg"
+    head = file if "/" in example else "main.cpp"
     drawn = f'<div class="picture">{picture.read_text()}</div>\n' if picture.exists() else ""
-    return (f'<section id="{name}">\n<h2>{title(program)}</h2>\n'
+    return (f'<section id="{example}">\n<h2>{title(example)}</h2>\n'
             f"<p>{html.escape(summary(sources / head))}</p>\n{drawn}"
             f'<p class="from">examples/{sources.name}/{file}</p>\n'
             f"<pre>{coloured(function(sources / file, start))}</pre>\n"
@@ -121,17 +119,17 @@ def card(folder, program, head, file, start, output):
 
 def main(folder):
     cards, links = [], []
-    for program, *sources in EXAMPLES:
-        if program == "views/as_eigen" and not (folder / program).exists():
+    for example, file, start in EXAMPLES:
+        program = folder / (example if "/" in example else f"{example}/{example}")
+        if example == "views/as_eigen" and not program.exists():
             continue
-        name = program.split("/")[1]
-        (folder / f"{name}.svg").unlink(missing_ok=True)
-        done = subprocess.run([folder / program], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        (folder / f"{example}.svg").unlink(missing_ok=True)
+        done = subprocess.run([program], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         print(done.stdout, flush=True)
         if done.returncode != 0:
             return done.returncode
-        cards.append(card(folder, program, *sources, done.stdout))
-        links.append(f'<a href="#{name}">{title(program)}</a>')
+        cards.append(card(folder, example, file, start, done.stdout))
+        links.append(f'<a href="#{example}">{title(example)}</a>')
     page = folder / "gallery.html"
     page.write_text(PAGE % (" ".join(links), "".join(cards)))
     print(f"All of it on one page: {page}")
